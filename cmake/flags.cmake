@@ -1,0 +1,13 @@
+# Compiler settings shared by every target of the project.
+add_library(vireo_flags INTERFACE)
+target_compile_options(vireo_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2
+    $<$<BOOL:${VIREO_WERROR}>:-Werror>)
+target_compile_definitions(vireo_flags INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH
+    QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+if(VIREO_SANITIZE)
+    target_compile_options(vireo_flags INTERFACE
+        -fsanitize=${VIREO_SANITIZE} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(vireo_flags INTERFACE -fsanitize=${VIREO_SANITIZE})
+endif()
