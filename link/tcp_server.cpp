@@ -1,0 +1,131 @@
+#include "link/tcp_server.h"
+
+#include "app/dprintf.h"
+#include "link/packet.h"
+
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <poll.h>
+
+namespace {
+
+/** Whether the other end has closed or reset the connection, also while bytes of it wait unread. */
+bool peerIsGone(const QTcpSocket& socket)
+{
+    if (socket.state() != QAbstractSocket::ConnectedState)
+        return true;
+    pollfd ask = {int(socket.socketDescriptor()), POLLRDHUP, 0};
+    return poll(&ask, 1, 0) > 0;
+}
+
+} // namespace
+
+tcp_server::tcp_server(QWidget* parent)
+    : QWidget(parent)
+{
+    hide();
+    createsocket();
+}
+
+tcp_server::~tcp_server()
+{
+    m_client->close();
+}
+
+void tcp_server::createsocket()
+{
+    m_server = new QTcpServer(this);
+    m_client = new QTcpSocket(this);
+    connect(m_server, &QTcpServer::newConnection, this, &tcp_server::acceptConnection);
+    connect(m_server, &QTcpServer::acceptError, this, &tcp_server::recoverFromAcceptError);
+}
+
+void tcp_server::operateServer()
+{
+    if (m_server->listen(QHostAddress::Any, port))
+        DPRINTF(2, "Tcp server On");
+    else
+        DPRINTF(4, "tcp server error\n");
+}
+
+void tcp_server::acceptConnection()
+{
+    QTcpSocket* newest = m_server->nextPendingConnection();
+    if (!newest)
+        return;
+    retire(m_client);
+    m_client = newest;
+    connect(m_client, &QTcpSocket::readyRead, this, &tcp_server::recv_message);
+}
+
+void tcp_server::recv_message()
+{
+    while (m_client->bytesAvailable() > 0)
+        m_received += m_client->read(m_client->bytesAvailable());
+    DPRINTF(0, "received Packet : %s\n", m_received.toHex().constData());
+    emit sgRxOK(m_received);
+    m_received.clear();
+}
+
+QByteArray tcp_server::makePktData(unsigned short cmd, unsigned short data_length, QByteArray data)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    return packetOf(cmd, data_length, data);
+}
+
+void tcp_server::WritePkt(QByteArray baPkt)
+{
+    DPRINTF(1, "WritePkt [ %s ]", baPkt.toHex().constData());
+    write(baPkt);
+}
+
+void tcp_server::send_message(QString recvdata)
+{
+    const QByteArray text = recvdata.toUtf8() + '\0';
+    const QByteArray packet = packetOf(quint16(Command::UrlText), quint16(recvdata.size()), text);
+    write(packet);
+    DPRINTF(2, "Send Url Packet [ %s ] ", packet.toHex().constData());
+}
+
+void tcp_server::write(const QByteArray& packet)
+{
+    if (m_client->bytesToWrite() > maxUnsentBytes) {
+        DPRINTF(4, "The peer does not read: a packet of %d bytes is dropped", int(packet.size()));
+        return;
+    }
+    m_client->write(packet);
+}
+
+void tcp_server::retire(QTcpSocket* socket)
+{
+    releaseGoneReplaced();
+    if (peerIsGone(*socket)) {
+        socket->deleteLater();
+        return;
+    }
+    socket->setReadBufferSize(replacedBufferBytes);
+    m_replaced.append(socket);
+    connect(socket, &QTcpSocket::disconnected, this, &tcp_server::releaseGoneReplaced);
+    if (m_replaced.size() > maxReplaced)
+        m_replaced.takeFirst()->deleteLater();
+}
+
+void tcp_server::releaseGoneReplaced()
+{
+    for (auto i = m_replaced.size(); i-- > 0;) {
+        if (peerIsGone(*m_replaced.at(i)))
+            m_replaced.takeAt(i)->deleteLater();
+    }
+}
+
+/** Out of descriptors the toolkit stops accepting for good; giving up the oldest replaced connection lets it
+ * go on. */
+void tcp_server::recoverFromAcceptError()
+{
+    DPRINTF(4, "accept error [%s]", m_server->errorString().toUtf8().constData());
+    if (m_replaced.isEmpty())
+        return;
+    delete m_replaced.takeFirst();
+    m_server->resumeAccepting();
+}

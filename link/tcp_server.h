@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QWidget>
+
+class QTcpServer;
+class QTcpSocket;
+
+/**
+ * The display's end of the supervisor link: listens on TCP port 5000 of all local addresses and serves the
+ * newest connection. Received bytes are handed on as they come, without regard to packets; wire format:
+ * link/packet.h.
+ *
+ * A connection that a newer one has replaced stays open, unread, until its peer goes away. Its buffer is
+ * bounded, and so is the number of such connections.
+ */
+class tcp_server : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr quint16 port = 5000;
+    /** Replaced connections kept open; beyond it the oldest is dropped, so that descriptors do not run out.
+     */
+    static constexpr int maxReplaced = 512;
+    /** Bytes that wait unread on a replaced connection before its peer is held up. */
+    static constexpr qint64 replacedBufferBytes = 16 * 1024;
+    /** Bytes that wait for a peer that does not read; further packets to it are dropped. */
+    static constexpr qint64 maxUnsentBytes = 16 * 1024 * 1024;
+
+    explicit tcp_server(QWidget* parent);
+    ~tcp_server() override;
+
+signals:
+    void sgplay();
+    void sgstop();
+    void sgnext();
+    void sgprev();
+    void sgMode();
+    /** The bytes of one read burst: part of a packet, one or several. */
+    void sgRxOK(QByteArray baRx);
+
+public slots:
+    /** Builds a packet; `data_length` is written as given and must agree with `data`. */
+    QByteArray makePktData(unsigned short cmd, unsigned short data_length, QByteArray data);
+    void operateServer();
+    void acceptConnection();
+    void recv_message();
+    void createsocket();
+    /** Sends a command-12 packet: its length field counts characters, a zero byte ends the text. */
+    void send_message(QString recvdata);
+    void WritePkt(QByteArray baPkt);
+
+private:
+    void retire(QTcpSocket* socket);
+    void releaseGoneReplaced();
+    void recoverFromAcceptError();
+    void write(const QByteArray& packet);
+
+    QTcpServer* m_server = nullptr;
+    QTcpSocket* m_client = nullptr;
+    QByteArray m_received;
+    QList<QTcpSocket*> m_replaced;
+};
