@@ -5,10 +5,14 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTimer>
 
 #include <poll.h>
 
 namespace {
+
+/** Long enough that a lasting shortage does not keep the processor busy. */
+constexpr int acceptRetryMs = 100;
 
 /** Whether the other end has closed or reset the connection, also while bytes of it wait unread. */
 bool peerIsGone(const QTcpSocket& socket)
@@ -68,10 +72,10 @@ void tcp_server::recv_message()
     m_received.clear();
 }
 
-QByteArray tcp_server::makePktData(unsigned short cmd, unsigned short data_length, QByteArray data)
+QByteArray tcp_server::makePktData(unsigned short cmd, unsigned short data_length, QByteArray baData)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    return packetOf(cmd, data_length, data);
+    return packetOf(cmd, data_length, baData);
 }
 
 void tcp_server::WritePkt(QByteArray baPkt)
@@ -124,8 +128,7 @@ void tcp_server::releaseGoneReplaced()
 void tcp_server::recoverFromAcceptError()
 {
     DPRINTF(4, "accept error [%s]", m_server->errorString().toUtf8().constData());
-    if (m_replaced.isEmpty())
-        return;
-    delete m_replaced.takeFirst();
-    m_server->resumeAccepting();
+    if (!m_replaced.isEmpty())
+        delete m_replaced.takeFirst();
+    QTimer::singleShot(acceptRetryMs, m_server, &QTcpServer::resumeAccepting);
 }

@@ -42,8 +42,8 @@ signals:
     void sgRxOK(QByteArray baRx);
 
 public slots:
-    /** Builds a packet; `data_length` is written as given and must agree with `data`. */
-    QByteArray makePktData(unsigned short cmd, unsigned short data_length, QByteArray data);
+    /** Builds a packet; `data_length` is written as given and must agree with `baData`. */
+    QByteArray makePktData(unsigned short cmd, unsigned short data_length, QByteArray baData);
     void operateServer();
     void acceptConnection();
     void recv_message();
