@@ -34,6 +34,10 @@ tcp_server::tcp_server(QWidget* parent)
 
 tcp_server::~tcp_server()
 {
+    // The sockets outlive this part of the object; what they still say must not reach it.
+    for (QTcpSocket* socket : m_replaced)
+        socket->disconnect(this);
+    m_client->disconnect(this);
     m_client->close();
 }
 

@@ -1,0 +1,268 @@
+#include "link/tcp_server.h"
+#include "tests/support/logcatcher.h"
+#include "tests/support/panelmain.h"
+#include "tests/support/signalrecorder.h"
+
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <memory>
+
+namespace {
+
+std::unique_ptr<QTcpSocket> connected()
+{
+    auto socket = std::make_unique<QTcpSocket>();
+    socket->connectToHost(QHostAddress::LocalHost, tcp_server::port);
+    return socket->waitForConnected(5000) ? std::move(socket) : nullptr;
+}
+
+QByteArray received(QTcpSocket& socket, int bytes)
+{
+    [[maybe_unused]] const bool arrived =
+        QTest::qWaitFor([&] { return socket.bytesAvailable() >= bytes; }, 5000);
+    return socket.readAll();
+}
+
+/** The connections that the server holds, the newest included. */
+int openSockets(const tcp_server& server)
+{
+    int count = 0;
+    for (const QTcpSocket* socket : server.findChildren<QTcpSocket*>())
+        count += socket->state() == QAbstractSocket::ConnectedState;
+    return count;
+}
+
+/** Connects a new peer and returns once the server has accepted it. */
+std::unique_ptr<QTcpSocket> newPeer(const tcp_server& server)
+{
+    QSignalSpy accepted(server.findChild<QTcpServer*>(), &QTcpServer::newConnection);
+    auto peer = connected();
+    return peer && QTest::qWaitFor([&] { return accepted.count() > 0; }) ? std::move(peer) : nullptr;
+}
+
+} // namespace
+
+class TcpServerTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void playerSignalsAreDeclaredButNeverEmitted()
+    {
+        const QMetaObject& meta = tcp_server::staticMetaObject;
+        QStringList methods;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            methods << QString::fromLatin1(meta.method(i).methodSignature());
+        const QStringList expected = {
+            QStringLiteral("sgplay()"),
+            QStringLiteral("sgstop()"),
+            QStringLiteral("sgnext()"),
+            QStringLiteral("sgprev()"),
+            QStringLiteral("sgMode()"),
+            QStringLiteral("sgRxOK(QByteArray)"),
+            QStringLiteral("makePktData(ushort,ushort,QByteArray)"),
+            QStringLiteral("operateServer()"),
+            QStringLiteral("acceptConnection()"),
+            QStringLiteral("recv_message()"),
+            QStringLiteral("createsocket()"),
+            QStringLiteral("send_message(QString)"),
+            QStringLiteral("WritePkt(QByteArray)"),
+        };
+        QCOMPARE(methods, expected);
+    }
+
+    void makesPackets()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        QCOMPARE(server.makePktData(13, 1, QByteArray(1, '\7')), QByteArray::fromHex("0d00010007"));
+        QCOMPARE(server.makePktData(13, 9, QByteArray()), QByteArray::fromHex("0d000900"));
+        QCOMPARE(log.lines().size(), 2);
+        QVERIFY(log.lines().at(0).contains(QStringLiteral("tcp_server::makePktData")));
+    }
+
+    void saysWhetherItListens()
+    {
+        LogCatcher log;
+        {
+            tcp_server server(nullptr);
+            server.operateServer();
+            tcp_server second(nullptr);
+            second.operateServer();
+        }
+        QCOMPARE(log.plain(),
+                 QStringList({QStringLiteral("I Tcp server On"), QStringLiteral("E tcp server error\n")}));
+    }
+
+    void handsOnWhatArrives()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        SignalRecorder recorder(&server);
+        const auto peer = newPeer(server);
+        QVERIFY(peer);
+        log.clear();
+        peer->write(QByteArray::fromHex("05000100020500"));
+        QVERIFY(QTest::qWaitFor([&] { return !recorder.emitted().isEmpty(); }));
+        QCOMPARE(recorder.take(), QStringList(QStringLiteral("sgRxOK(05000100020500)")));
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("received Packet : 05000100020500\n")));
+        peer->write(QByteArray::fromHex("010003"));
+        QVERIFY(QTest::qWaitFor([&] { return !recorder.emitted().isEmpty(); }));
+        QCOMPARE(recorder.take(), QStringList(QStringLiteral("sgRxOK(010003)")));
+    }
+
+    void newestConnectionIsServed()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        const auto first = newPeer(server);
+        QVERIFY(first);
+        const auto second = newPeer(server);
+        QVERIFY(second);
+        SignalRecorder recorder(&server);
+        log.clear();
+
+        server.WritePkt("hello");
+        QCOMPARE(received(*second, 5), QByteArray("hello"));
+        QCOMPARE(first->bytesAvailable(), 0);
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("WritePkt [ 68656c6c6f ]")));
+
+        // Bytes on the older connection are noticed, but it is the newest that is read.
+        log.clear();
+        first->write("old");
+        QVERIFY(QTest::qWaitFor([&] { return !recorder.emitted().isEmpty(); }));
+        QCOMPARE(recorder.take(), QStringList(QStringLiteral("sgRxOK()")));
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("received Packet : \n")));
+        second->write("new");
+        QVERIFY(QTest::qWaitFor([&] { return !recorder.emitted().isEmpty(); }));
+        QCOMPARE(recorder.take(), QStringList(QStringLiteral("sgRxOK(6e6577)")));
+        QCOMPARE(first->state(), QAbstractSocket::ConnectedState);
+    }
+
+    void sendsTextWithItsLengthInCharacters_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("packet");
+        QTest::newRow("empty") << QString() << QByteArray::fromHex("0c00000000");
+        QTest::newRow("eight letters") << "http://a" << QByteArray::fromHex("0c000800687474703a2f2f6100");
+        QTest::newRow("two syllables, six bytes")
+            << QString::fromUtf8("노래") << QByteArray::fromHex("0c000200eb85b8eb9e9800");
+        QTest::newRow("beyond the basic plane: two code units")
+            << QString::fromUtf8("\xF0\x9D\x84\x9E") << QByteArray::fromHex("0c000200f09d849e00");
+    }
+    void sendsTextWithItsLengthInCharacters()
+    {
+        QFETCH(QString, text);
+        QFETCH(QByteArray, packet);
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        const auto peer = newPeer(server);
+        QVERIFY(peer);
+        log.clear();
+        server.send_message(text);
+        QCOMPARE(received(*peer, int(packet.size())), packet);
+        QCOMPARE(log.plain(),
+                 QStringList(
+                     QStringLiteral("I Send Url Packet [ %1 ] ").arg(QString::fromLatin1(packet.toHex()))));
+    }
+
+    void writingWithoutAPeerIsHarmless()
+    {
+        LogCatcher log(5);
+        tcp_server server(nullptr);
+        server.WritePkt("x");
+        server.send_message(QStringLiteral("x"));
+    }
+
+    void lostPeerStaysCurrentUntilTheNext()
+    {
+        LogCatcher log(5);
+        tcp_server server(nullptr);
+        server.operateServer();
+        SignalRecorder recorder(&server);
+        auto first = connected();
+        first->write("last words");
+        first->disconnectFromHost();
+        QVERIFY(QTest::qWaitFor([&] { return !recorder.emitted().isEmpty(); }));
+        QCOMPARE(recorder.take(), QStringList(QStringLiteral("sgRxOK(6c61737420776f726473)")));
+        server.WritePkt("nobody");
+        const auto second = newPeer(server);
+        QVERIFY(second);
+        server.WritePkt("hello");
+        QCOMPARE(received(*second, 5), QByteArray("hello"));
+    }
+
+    void replacedConnectionsAreReleasedWithTheirPeers()
+    {
+        LogCatcher log(5);
+        tcp_server server(nullptr);
+        server.operateServer();
+        for (int i = 0; i < 300; ++i) {
+            const auto peer = newPeer(server);
+            QVERIFY(peer);
+        }
+        const auto last = newPeer(server);
+        QVERIFY(last);
+        QVERIFY(QTest::qWaitFor([&] { return server.findChildren<QTcpSocket*>().size() == 1; }));
+        server.WritePkt("x");
+        QCOMPARE(received(*last, 1), QByteArray("x"));
+    }
+
+    void floodOnAReplacedConnectionIsHeldUp()
+    {
+        LogCatcher log(5);
+        tcp_server server(nullptr);
+        server.operateServer();
+        auto first = newPeer(server);
+        QVERIFY(first);
+        auto second = newPeer(server);
+        QVERIFY(second);
+        first->write(QByteArray(16 * 1024 * 1024, 'x'));
+        for (int i = 0; i < 200; ++i)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+        for (const QTcpSocket* socket : server.findChildren<QTcpSocket*>())
+            QVERIFY(socket->bytesAvailable() <= 2 * tcp_server::replacedBufferBytes);
+        server.WritePkt("x");
+        QCOMPARE(received(*second, 1), QByteArray("x"));
+    }
+
+    void deadPeerIsReleasedAlsoWhileItsBytesWait()
+    {
+        LogCatcher log(5);
+        tcp_server server(nullptr);
+        server.operateServer();
+        auto first = newPeer(server);
+        auto second = newPeer(server);
+        QVERIFY(first && second);
+        first->write(QByteArray(4 * tcp_server::replacedBufferBytes, 'x'));
+        QVERIFY(first->waitForBytesWritten());
+        first.reset();
+        second.reset();
+        const auto third = newPeer(server);
+        QVERIFY(third);
+        QVERIFY(QTest::qWaitFor([&] { return server.findChildren<QTcpSocket*>().size() == 1; }));
+    }
+
+    void oldestOfTooManyConnectionsIsDropped()
+    {
+        LogCatcher log(5);
+        tcp_server server(nullptr);
+        server.operateServer();
+        std::vector<std::unique_ptr<QTcpSocket>> peers;
+        for (int i = 0; i < tcp_server::maxReplaced + 20; ++i) {
+            peers.push_back(newPeer(server));
+            QVERIFY(peers.back());
+        }
+        QVERIFY(QTest::qWaitFor([&] { return openSockets(server) == tcp_server::maxReplaced + 1; }));
+        server.WritePkt("x");
+        QCOMPARE(received(*peers.back(), 1), QByteArray("x"));
+        QCOMPARE(peers.at(100)->state(), QAbstractSocket::ConnectedState);
+    }
+};
+
+VIREO_TEST_MAIN(TcpServerTest)
+#include "tst_tcp_server.moc"
