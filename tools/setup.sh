@@ -1,0 +1,28 @@
+#!/bin/bash
+# Installs the Debian packages that the named purposes need and that are not there yet: build, test, qt5, check.
+# Does nothing, and asks for no rights, when all are there.
+set -euo pipefail
+
+declare -A packages=(
+    [build]="g++ cmake ninja-build qt6-base-dev qt6-5compat-dev qt6-scxml-dev fonts-unifont"
+    [test]="lame eyed3 ffmpeg flac vorbis-tools net-tools librsvg2-bin"
+    [qt5]="qtbase5-dev"
+    [check]="clang-format"
+)
+
+missing=()
+for purpose in "$@"; do
+    for package in ${packages[$purpose]}; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q "ok installed" || missing+=("$package")
+    done
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "setup: please install as root: ${missing[*]}" >&2; exit 1; }
+    as_root=(sudo)
+fi
+echo "Installing ${missing[*]}"
+"${as_root[@]}" apt-get update -q
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
