@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/** What the program was started for. */
+struct CommandLine {
+    enum class Run { Window, Send, Script, Help };
+
+    Run run = Run::Window;
+    QString host = QStringLiteral("127.0.0.1");
+    quint16 port = 5000;
+    QStringList words; ///< Send: the words of the packet; Script: the one file name
+    QString error; ///< one line; empty when the arguments were understood
+
+    /** Options stand before the words, so that `enc -3` is no option. */
+    static CommandLine parse(const QStringList& arguments);
+};
+
+QString helpText();
+
+/** Prints one line on standard error and returns the exit status of a failure. */
+int failure(const QString& reason);
+
+/** Prints one line on standard output. */
+void printLine(const QString& line);
+
+/** `send`: one packet over a connection of its own. Returns the exit status. */
+int runSend(const CommandLine& commandLine);

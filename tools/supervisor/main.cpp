@@ -1,0 +1,17 @@
+#include "tools/supervisor/commandline.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments().mid(1));
+    if (!commandLine.error.isEmpty())
+        return failure(commandLine.error);
+    if (commandLine.run == CommandLine::Run::Send)
+        return runSend(commandLine);
+    std::fputs(helpText().toUtf8().constData(), stdout);
+    return 0;
+}

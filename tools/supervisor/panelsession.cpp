@@ -1,0 +1,64 @@
+#include "tools/supervisor/panelsession.h"
+
+#include "tools/supervisor/words.h"
+
+#include <QElapsedTimer>
+
+namespace {
+
+constexpr int connectTimeoutMs = 5000;
+constexpr int writeTimeoutMs = 35000; // a panel that restarts its network does not read meanwhile
+constexpr int closeTimeoutMs = 1000;
+
+} // namespace
+
+bool PanelSession::open(const QString& host, quint16 port)
+{
+    m_socket.connectToHost(host, port);
+    if (!m_socket.waitForConnected(connectTimeoutMs))
+        return fail(QStringLiteral("no link to the panel at %1:%2").arg(host, QString::number(port)));
+    m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1); // a packet leaves in one piece, at once
+    return true;
+}
+
+bool PanelSession::send(const QByteArray& packet)
+{
+    m_socket.write(packet);
+    while (m_socket.bytesToWrite() > 0)
+        if (!m_socket.waitForBytesWritten(writeTimeoutMs))
+            return fail(QStringLiteral("the link broke while sending"));
+    if (m_socket.state() != QAbstractSocket::ConnectedState)
+        return fail(QStringLiteral("the panel has closed the link"));
+    return true;
+}
+
+std::optional<quint8> PanelSession::askMode()
+{
+    if (!send(modeRequest()))
+        return std::nullopt;
+    QElapsedTimer waited;
+    waited.start();
+    QList<quint8> codes;
+    while (codes.isEmpty()) {
+        if (!m_socket.waitForReadyRead(answerTimeoutMs
+                                       - int(qMin<qint64>(waited.elapsed(), answerTimeoutMs)))) {
+            fail(QStringLiteral("the panel did not answer"));
+            return std::nullopt;
+        }
+        codes = m_answers.take(m_socket.readAll());
+    }
+    return codes.last();
+}
+
+void PanelSession::close()
+{
+    m_socket.disconnectFromHost();
+    if (m_socket.state() != QAbstractSocket::UnconnectedState)
+        m_socket.waitForDisconnected(closeTimeoutMs);
+}
+
+bool PanelSession::fail(const QString& what)
+{
+    m_error = what + QStringLiteral(": ") + m_socket.errorString();
+    return false;
+}

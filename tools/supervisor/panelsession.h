@@ -1,0 +1,37 @@
+#pragma once
+
+#include "tools/supervisor/modeanswers.h"
+
+#include <QTcpSocket>
+
+#include <optional>
+
+/**
+ * One connection to the panel, used step by step: every call returns when its work is done. For the command
+ * line and scripts; errorString() gives the reason after a call that failed, in one line.
+ */
+class PanelSession {
+public:
+    /** A network restart keeps the panel from answering for up to 30 s. */
+    static constexpr int answerTimeoutMs = 35000;
+
+    bool open(const QString& host, quint16 port);
+
+    /** Returns when all bytes have left. */
+    bool send(const QByteArray& packet);
+
+    /** Asks for the mode's code; empty when no answer came. */
+    std::optional<quint8> askMode();
+
+    /** Ends the connection after the last byte has left. */
+    void close();
+
+    QString errorString() const { return m_error; }
+
+private:
+    bool fail(const QString& what);
+
+    QTcpSocket m_socket;
+    ModeAnswers m_answers;
+    QString m_error;
+};
