@@ -1,4 +1,5 @@
 #include "tools/supervisor/commandline.h"
+#include "tools/supervisor/script.h"
 
 #include <QCoreApplication>
 
@@ -12,6 +13,8 @@ int main(int argc, char** argv)
         return failure(commandLine.error);
     if (commandLine.run == CommandLine::Run::Send)
         return runSend(commandLine);
+    if (commandLine.run == CommandLine::Run::Script)
+        return runScript(commandLine);
     std::fputs(helpText().toUtf8().constData(), stdout);
     return 0;
 }

@@ -27,8 +27,7 @@ bool PanelSession::send(const QByteArray& packet)
     while (m_socket.bytesToWrite() > 0)
         if (!m_socket.waitForBytesWritten(writeTimeoutMs))
             return fail(QStringLiteral("the link broke while sending"));
-    if (m_socket.state() != QAbstractSocket::ConnectedState)
-        return fail(QStringLiteral("the panel has closed the link"));
+    m_owed += packet == modeRequest() ? 1 : 0;
     return true;
 }
 
@@ -39,15 +38,34 @@ std::optional<quint8> PanelSession::askMode()
     QElapsedTimer waited;
     waited.start();
     QList<quint8> codes;
-    while (codes.isEmpty()) {
-        if (!m_socket.waitForReadyRead(answerTimeoutMs
-                                       - int(qMin<qint64>(waited.elapsed(), answerTimeoutMs)))) {
+    while (m_owed > 0) {
+        if (!awaitBytes(answerTimeoutMs - int(waited.elapsed()))) {
             fail(QStringLiteral("the panel did not answer"));
             return std::nullopt;
         }
         codes = m_answers.take(m_socket.readAll());
+        m_owed -= int(codes.size());
     }
     return codes.last();
+}
+
+bool PanelSession::wait(int milliseconds)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (waited.elapsed() < milliseconds) {
+        if (awaitBytes(milliseconds - int(waited.elapsed())))
+            m_owed -= int(m_answers.take(m_socket.readAll()).size());
+        else if (m_socket.state() != QAbstractSocket::ConnectedState)
+            return fail(QStringLiteral("the panel has gone"));
+    }
+    return true;
+}
+
+/** A time that has run out reads as no time, never as "for ever". */
+bool PanelSession::awaitBytes(int milliseconds)
+{
+    return m_socket.waitForReadyRead(qMax(0, milliseconds));
 }
 
 void PanelSession::close()

@@ -23,15 +23,20 @@ public:
     /** Asks for the mode's code; empty when no answer came. */
     std::optional<quint8> askMode();
 
+    /** Lets time pass; false when the panel closes the link meanwhile. */
+    bool wait(int milliseconds);
+
     /** Ends the connection after the last byte has left. */
     void close();
 
     QString errorString() const { return m_error; }
 
 private:
+    bool awaitBytes(int milliseconds);
     bool fail(const QString& what);
 
     QTcpSocket m_socket;
     ModeAnswers m_answers;
+    int m_owed = 0; // answers still to come
     QString m_error;
 };
