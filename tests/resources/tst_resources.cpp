@@ -1,0 +1,273 @@
+#include "tests/support/panelmain.h"
+
+#include <QDirIterator>
+#include <QImage>
+#include <QProcess>
+
+#include <algorithm>
+#include <cstdlib>
+
+// The two bundles of compiled-in images, named by their .qrc files.
+int qInitResources_resource();
+int qCleanupResources_resource();
+int qInitResources_menuRc();
+int qCleanupResources_menuRc();
+
+namespace {
+
+enum Trait { Plain = 0, Opaque = 1, ClearEdge = 2 };
+
+/** One image of the panel: where a screen finds it, its drawing below resources/art, its size in pixels. */
+struct PanelImage {
+    const char* path;
+    const char* drawing;
+    int width;
+    int height;
+    int traits;
+};
+
+// clang-format off
+constexpr PanelImage kImages[] = {
+    {":/Tessaro/image/init/background.png",             "image/init/background",             320, 240, Opaque},
+    {":/Tessaro/image/init/orvane_logo.png",            "image/init/orvane_logo",            320, 240, Opaque},
+    {":/Tessaro/image/sys_up.png",                      "image/sys_up",                      246,  24, ClearEdge},
+    {":/Tessaro/image/sys_up_bot.png",                  "image/sys_up_bot",                  269,  26, ClearEdge},
+    {":/Tessaro/image/input/front_usb.png",             "image/input/front_usb",              40,  19, ClearEdge},
+    {":/Tessaro/image/input/back_usb.png",              "image/input/back_usb",               40,  19, ClearEdge},
+    {":/Tessaro/image/input/usb.png",                   "image/input/usb",                    55,  20, ClearEdge},
+    {":/Tessaro/image/input/AOE.png",                   "image/input/AOE",                    55,  20, ClearEdge},
+    {":/Tessaro/image/input/IRADIO.png",                "image/input/IRADIO",                 55,  20, ClearEdge},
+    {":/Tessaro/image/play_state/play.png",             "image/play_state/play",              17,  16, ClearEdge},
+    {":/Tessaro/image/play_state/pause.png",            "image/play_state/pause",             17,  16, ClearEdge},
+    {":/Tessaro/image/play_state/stop.png",             "image/play_state/stop",              17,  16, ClearEdge},
+    {":/Tessaro/image/play_state/next.png",             "image/play_state/next",              17,  16, ClearEdge},
+    {":/Tessaro/image/play_state/prev.png",             "image/play_state/prev",              17,  16, ClearEdge},
+    {":/Tessaro/image/special_state/all.png",           "image/special_state/all",            33,  31, ClearEdge},
+    {":/Tessaro/image/special_state/all_repeat.png",    "image/special_state/all_repeat",     33,  31, ClearEdge},
+    {":/Tessaro/image/special_state/folder.png",        "image/special_state/folder",         33,  31, ClearEdge},
+    {":/Tessaro/image/special_state/folder_repeat.png", "image/special_state/folder_repeat",  33,  31, ClearEdge},
+    {":/Tessaro/image/special_state/one.png",           "image/special_state/one",            33,  31, ClearEdge},
+    {":/Tessaro/image/special_state/one_repeat.png",    "image/special_state/one_repeat",     33,  31, ClearEdge},
+    {":/Tessaro/image/special_state/shuffle.png",       "image/special_state/shuffle",        30,  20, ClearEdge},
+    {":/Tessaro/image/level_meter/LV1_6 ON.png",        "image/level_meter/LV1_6 ON",         32,  14, Plain},
+    {":/Tessaro/image/level_meter/LV1_6 OFF.png",       "image/level_meter/LV1_6 OFF",        32,  14, Plain},
+    {":/Tessaro/image/level_meter/LV7 ON.png",          "image/level_meter/LV7 ON",           32,  14, Plain},
+    {":/Tessaro/image/level_meter/LV7 OFF.png",         "image/level_meter/LV7 OFF",          32,  14, Plain},
+    {":/Tessaro/image/level_meter/LV8 ON.png",          "image/level_meter/LV8 ON",           32,  14, Plain},
+    {":/Tessaro/image/level_meter/LV8 OFF.png",         "image/level_meter/LV8 OFF",          32,  14, Plain},
+    {":/Tessaro/image/album_art/album_back.png",        "image/album_art/album_back",        100, 100, Plain},
+    {":/Tessaro/image/album_art/no_cd_image.png",       "image/album_art/no_cd_image",       113, 100, ClearEdge},
+    {":/Tessaro/image/memory/folder.png",               "image/memory/folder",                19,  14, Plain},
+    {":/Tessaro/image/setup/dhcp_yes.png",              "image/setup/dhcp_yes",              153, 106, Plain},
+    {":/Tessaro/image/setup/dhcp_no.png",               "image/setup/dhcp_no",               153, 106, Plain},
+    {":/Tessaro/image/setup/wait_msg.png",              "image/setup/wait_msg",               90,  23, Plain},
+    {":/Tessaro/font/IP ADDRESS.png",                   "font/IP ADDRESS",                   200,  20, ClearEdge},
+    {":/Tessaro/font/SAMPLE RATE.png",                  "font/SAMPLE RATE",                  200,  20, ClearEdge},
+    {":/Tessaro/font/title.png",                        "font/title",                        200,  20, ClearEdge},
+    {":/Tessaro/font/URL.png",                          "font/URL",                          200,  20, ClearEdge},
+    {":/Tessaro/font/SYSINFO.png",                      "font/SYSINFO",                      271,  25, Plain},
+    {":/menuicon/image/usb_icon.png",                   "menu/usb_icon",                     100, 100, Opaque},
+    {":/menuicon/image/aoe_icon.png",                   "menu/aoe_icon",                     100, 100, Opaque},
+    {":/menuicon/image/IR_icon.png",                    "menu/IR_icon",                      100, 100, Opaque},
+    {":/menuicon/image/Net_BGM.png",                    "menu/Net_BGM",                      100, 100, Opaque},
+    {":/menuicon/image/setup_icon.png",                 "menu/setup_icon",                   100, 100, Opaque},
+};
+// clang-format on
+static_assert(sizeof(kImages) / sizeof(kImages[0]) == 43, "an image came or went: the screens must agree");
+
+const QString kResources = QStringLiteral(VIREO_SOURCE_DIR "/resources/");
+const QString kArt = kResources + QStringLiteral("art/");
+
+QString latin(const char* text)
+{
+    return QString::fromLatin1(text);
+}
+
+QImage load(const char* path)
+{
+    return QImage(latin(path)).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+/** The files of a suffix below a folder, without folder and suffix, sorted. */
+QStringList namesBelow(const QString& folder, const QString& suffix)
+{
+    QStringList names;
+    QDirIterator walk(folder, {QLatin1Char('*') + suffix}, QDir::Files, QDirIterator::Subdirectories);
+    while (walk.hasNext())
+        names << walk.next().mid(folder.size()).chopped(suffix.size());
+    names.sort();
+    return names;
+}
+
+/** The largest difference of two pixels in any channel. */
+int distance(QRgb a, QRgb b)
+{
+    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                     std::abs(qBlue(a) - qBlue(b)), std::abs(qAlpha(a) - qAlpha(b))});
+}
+
+/** The largest difference between the pixels of two images of one size. */
+int distance(const QImage& a, const QImage& b)
+{
+    int most = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            most = std::max(most, distance(a.pixel(x, y), b.pixel(x, y)));
+    return most;
+}
+
+QByteArray standardOutput(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        qWarning("%s: %s %s", qPrintable(program), qPrintable(process.errorString()),
+                 process.readAllStandardError().constData());
+    return process.readAllStandardOutput();
+}
+
+} // namespace
+
+class ResourcesTest : public QObject {
+    Q_OBJECT
+
+    static void imageRows(int traits = Plain)
+    {
+        QTest::addColumn<const PanelImage*>("image");
+        for (const PanelImage& image : kImages)
+            if ((image.traits & traits) == traits)
+                QTest::newRow(image.path) << &image;
+    }
+
+private slots:
+    void everyImageLoadsInItsLayoutSize_data() { imageRows(); }
+    void everyImageLoadsInItsLayoutSize()
+    {
+        QFETCH(const PanelImage*, image);
+        QCOMPARE(QImage(latin(image->path)).size(), QSize(image->width, image->height));
+    }
+
+    void nothingElseIsCompiledIn()
+    {
+        QStringList found = namesBelow(QStringLiteral(":/Tessaro"), QString())
+            + namesBelow(QStringLiteral(":/menuicon"), QString());
+        QCOMPARE(found.size(), int(sizeof(kImages) / sizeof(kImages[0])));
+    }
+
+    void eachBundleRegistersUnderItsName()
+    {
+        const QString general = QStringLiteral(":/Tessaro/image/sys_up.png");
+        const QString menu = QStringLiteral(":/menuicon/image/usb_icon.png");
+        qCleanupResources_resource();
+        QVERIFY(!QFile::exists(general));
+        QVERIFY(QFile::exists(menu));
+        qInitResources_resource();
+        QVERIFY(QFile::exists(general));
+        qCleanupResources_menuRc();
+        QVERIFY(!QFile::exists(menu));
+        qInitResources_menuRc();
+        QVERIFY(QFile::exists(menu));
+    }
+
+    void everyImageHasItsDrawingAndTheReverse()
+    {
+        QStringList drawings;
+        for (const PanelImage& image : kImages)
+            drawings << latin(image.drawing);
+        drawings.sort();
+        QCOMPARE(namesBelow(kArt, QStringLiteral(".svg")), drawings);
+        QCOMPARE(namesBelow(kResources, QStringLiteral(".png")), drawings);
+    }
+
+    void drawingsNeedNoFontAndNoOtherFile_data() { imageRows(); }
+    void drawingsNeedNoFontAndNoOtherFile()
+    {
+        QFETCH(const PanelImage*, image);
+        QFile drawing(kArt + latin(image->drawing) + QStringLiteral(".svg"));
+        QVERIFY(drawing.open(QIODevice::ReadOnly));
+        const QByteArray text = drawing.readAll();
+        for (const char* foreign : {"<text", "<tspan", "<image", "<style", "font-", "http://", "https://"})
+            QVERIFY2(!text.mid(text.indexOf('>')).contains(foreign), foreign);
+    }
+
+    void imageIsTheRenderingOfItsDrawing_data() { imageRows(); }
+    void imageIsTheRenderingOfItsDrawing()
+    {
+        QFETCH(const PanelImage*, image);
+        const QString drawing = kArt + latin(image->drawing) + QStringLiteral(".svg");
+        const QByteArray png = standardOutput(QStringLiteral("rsvg-convert"), {drawing});
+        const QImage fresh =
+            QImage::fromData(png, "PNG").convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        const QImage committed = load(image->path);
+        QCOMPARE(fresh.size(), committed.size());
+        QVERIFY(distance(fresh, committed) <= 4);
+    }
+
+    void wordsOfTheDrawingsAreLaidFromTheirText()
+    {
+        QStringList arguments{kArt + QStringLiteral("letters.py"), QStringLiteral("--check")};
+        for (const PanelImage& image : kImages)
+            arguments << kArt + latin(image.drawing) + QStringLiteral(".svg");
+        QCOMPARE(QProcess::execute(QStringLiteral("python3"), arguments), 0);
+    }
+
+    void groundsAndSlidesAreOpaque_data() { imageRows(Opaque); }
+    void groundsAndSlidesAreOpaque()
+    {
+        QFETCH(const PanelImage*, image);
+        const QImage pixels = load(image->path);
+        for (int y = 0; y < pixels.height(); ++y)
+            for (int x = 0; x < pixels.width(); ++x)
+                QCOMPARE(qAlpha(pixels.pixel(x, y)), 255);
+    }
+
+    void iconsAndCaptionsKeepOffTheEdge_data() { imageRows(ClearEdge); }
+    void iconsAndCaptionsKeepOffTheEdge()
+    {
+        QFETCH(const PanelImage*, image);
+        const QImage pixels = load(image->path);
+        const QRect inside = pixels.rect().adjusted(1, 1, -1, -1);
+        bool drawn = false;
+        for (int y = 0; y < pixels.height(); ++y) {
+            for (int x = 0; x < pixels.width(); ++x) {
+                if (inside.contains(x, y))
+                    drawn = drawn || qAlpha(pixels.pixel(x, y)) == 255;
+                else
+                    QCOMPARE(qAlpha(pixels.pixel(x, y)), 0);
+            }
+        }
+        QVERIFY(drawn);
+    }
+
+    void bandOfTheLogoIsEmptyForTheNotice()
+    {
+        const QImage logo = load(":/Tessaro/image/init/orvane_logo.png");
+        const QRgb ground = logo.pixel(160, 110);
+        for (int y = 95; y <= 125; ++y) {
+            for (int x = 1; x < logo.width(); ++x) {
+                QVERIFY(distance(logo.pixel(x, y), ground) <= 8);
+                QVERIFY(distance(logo.pixel(x, y), logo.pixel(x - 1, y)) <= 1);
+                QVERIFY(distance(logo.pixel(x, y), logo.pixel(x, y - 1)) <= 1);
+            }
+        }
+    }
+
+    void segmentKeepsItsShapeWhenItLights_data()
+    {
+        QTest::addColumn<QString>("segment");
+        for (const char* segment : {"LV1_6", "LV7", "LV8"})
+            QTest::newRow(segment) << latin(segment);
+    }
+    void segmentKeepsItsShapeWhenItLights()
+    {
+        QFETCH(QString, segment);
+        const QString path = QStringLiteral(":/Tessaro/image/level_meter/%1 %2.png");
+        const QImage lit(path.arg(segment, QStringLiteral("ON")));
+        const QImage unlit(path.arg(segment, QStringLiteral("OFF")));
+        QCOMPARE(lit.convertToFormat(QImage::Format_Alpha8), unlit.convertToFormat(QImage::Format_Alpha8));
+        QVERIFY(distance(lit, unlit) > 64);
+    }
+};
+
+VIREO_TEST_MAIN(ResourcesTest)
+#include "tst_resources.moc"
