@@ -1,0 +1,51 @@
+#pragma once
+
+#include "tags/readwindow.h"
+#include "tags/vorbiscomment.h"
+
+#include <cstddef>
+#include <optional>
+#include <stack>
+#include <string_view>
+
+/**
+ * The walk over the pages of an Ogg file. A packet that holds a comment header is decoded. After any other
+ * packet the following page is walked first, from where the file stands, and then the page at hand goes on:
+ * pages nest as deep as the file is long. Pages that wait for a nested one to end are kept on a stack of
+ * their own, one word each and only while packets of them are left.
+ */
+class OggPageWalk {
+public:
+    /** Walks from the current position of an open file of `fileBytes` bytes. */
+    OggPageWalk(QIODevice& file, qint64 fileBytes, const VorbisCommentSink& sink);
+
+    /** True when every packet of the first page was there and its comment header, if any, was sound. */
+    bool run();
+
+private:
+    static constexpr std::size_t maxSegments = 255;
+
+    /** The packets of a page that are still to be read, as lacing values. */
+    struct Page {
+        qint64 lacingAt = 0; // file position of the first value
+        std::size_t next = 0;
+        std::size_t end = 0;
+        unsigned char lacing[maxSegments] = {};
+
+        bool hasPackets() const { return next < end; }
+        std::optional<std::size_t> takePacketSize();
+    };
+
+    std::optional<Page> readPage();
+    bool readPackets();
+    bool readComments(std::string_view packet, std::size_t marker);
+    void enterNextPage();
+    void returnToParent();
+
+    ReadWindow m_file;
+    qint64 m_fileBytes;
+    VorbisCommentSink m_sink;
+    Page m_page;
+    std::stack<quint64>
+        m_parents; // lacing position in all but the low byte, number of values in the low byte
+};

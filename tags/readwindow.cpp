@@ -1,0 +1,53 @@
+#include "tags/readwindow.h"
+
+#include <algorithm>
+#include <cstring>
+
+ReadWindow::ReadWindow(QIODevice& device)
+    : m_device(device)
+    , m_buffer(2 * maxBytes)
+    , m_base(device.pos())
+    , m_ended(!device.isOpen())
+{
+}
+
+std::string_view ReadWindow::take(std::size_t bytes)
+{
+    bytes = std::min(bytes, maxBytes);
+    if (m_end - m_begin < bytes)
+        fill();
+    const std::string_view taken(m_buffer.data() + m_begin, std::min(bytes, m_end - m_begin));
+    m_begin += taken.size();
+    return taken;
+}
+
+/** Moves what is left to the front and reads until the buffer is full or the file ends. */
+void ReadWindow::fill()
+{
+    std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
+    m_base += qint64(m_begin);
+    m_end -= m_begin;
+    m_begin = 0;
+    while (!m_ended && m_end < m_buffer.size()) {
+        const qint64 got = m_device.read(m_buffer.data() + m_end, qint64(m_buffer.size() - m_end));
+        m_ended = got <= 0;
+        m_end += std::size_t(std::max<qint64>(got, 0));
+    }
+}
+
+std::string_view ReadWindow::reread(qint64 position, std::size_t bytes)
+{
+    if (position >= m_base)
+        return {m_buffer.data() + (position - m_base), bytes};
+    m_aside.resize(bytes);
+    const bool moved = m_device.seek(position);
+    const qint64 got = moved ? m_device.read(m_aside.data(), qint64(bytes)) : -1;
+    m_device.seek(m_base + qint64(m_end));
+    return {m_aside.data(), std::size_t(std::max<qint64>(got, 0))};
+}
+
+void ReadWindow::detach()
+{
+    if (m_device.isOpen())
+        m_device.seek(position());
+}

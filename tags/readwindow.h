@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QIODevice>
+
+#include <string_view>
+#include <vector>
+
+/**
+ * Reads a file front to back in large pieces through one buffer of fixed size. Positions are bytes from the
+ * start of the file. Where reading fails the file ends.
+ */
+class ReadWindow {
+public:
+    /** The most that take() gives at once. */
+    static constexpr std::size_t maxBytes = 64 * 1024;
+
+    /** Starts where the device stands, and leaves it there when detach() is called. */
+    explicit ReadWindow(QIODevice& device);
+
+    /** The next bytes, fewer at the end of the file. They hold until the next call of any function. */
+    std::string_view take(std::size_t bytes);
+    /** Bytes that were taken before, read once more without moving on. */
+    std::string_view reread(qint64 position, std::size_t bytes);
+    qint64 position() const { return m_base + qint64(m_begin); }
+    /** Whether nothing is left and the end of the file has been seen. */
+    bool isAtEnd() const { return m_ended && m_begin == m_end; }
+    /** Puts the device where the window stands. */
+    void detach();
+
+private:
+    void fill();
+
+    QIODevice& m_device;
+    std::vector<char> m_buffer;
+    std::vector<char> m_aside;
+    qint64 m_base; // position of the buffer's first byte
+    std::size_t m_begin = 0;
+    std::size_t m_end = 0;
+    bool m_ended;
+};

@@ -1,0 +1,83 @@
+#include "tags/vorbiscomment.h"
+
+#include "app/dprintf.h"
+#include "app/utf8.h"
+#include "tags/bytesat.h"
+#include "tags/touint.h"
+
+#include <iterator>
+
+namespace {
+
+constexpr qint64 numberBytes = 4;
+
+struct Field {
+    const char* key;
+    QString* VorbisCommentSink::*text;
+};
+
+constexpr Field fields[] = {
+    {"TITLE", &VorbisCommentSink::title},
+    {"ARTIST", &VorbisCommentSink::artist},
+    {"ALBUM", &VorbisCommentSink::album},
+};
+static_assert(std::size(fields) == 3, "one row a text of the sink");
+
+quint32 numberAt(const QByteArray& block, qint64 position)
+{
+    return toUInt(bytesAt(block, position, numberBytes), false);
+}
+
+/** The part of `text` between its first "=" and the second one or the end. */
+QString valueOf(const QString& text, qint64 equals)
+{
+    const QString rest = text.mid(int(equals) + 1);
+    return rest.left(rest.indexOf(QLatin1Char('='))); // none: all of it
+}
+
+void storeComment(const QString& text, const VorbisCommentSink& sink)
+{
+    const auto equals = text.indexOf(QLatin1Char('='));
+    if (equals < 0)
+        return;
+    const QString key = text.left(equals);
+    for (const Field& field : fields) {
+        if (key.compare(QLatin1String(field.key), Qt::CaseInsensitive) != 0)
+            continue;
+        QString& stored = *(sink.*field.text);
+        stored = valueOf(text, equals);
+        DPRINTF(2, "%s%s - %s", sink.prefix, field.key, stored.toLatin1().constData());
+    }
+}
+
+void walkComments(const QByteArray& block, qint64 position, quint32 count, const VorbisCommentSink& sink)
+{
+    for (; count > 0; --count) {
+        const qint64 begin = position + numberBytes;
+        const quint32 length = numberAt(block, position);
+        position = begin + length;
+        if (position > block.size())
+            return;
+        storeComment(utf8UntilZero(bytesAt(block, begin, length)), sink);
+    }
+}
+
+} // namespace
+
+bool readVorbisComments(const QByteArray& block, qint64 start, const VorbisCommentSink& sink)
+{
+    const qint64 vendorAt = start + numberBytes;
+    const quint32 vendorBytes = numberAt(block, start);
+    const QString vendor = utf8UntilZero(bytesAt(block, vendorAt, vendorBytes));
+    DPRINTF(2, "%s%s", sink.vendorPrefix, vendor.toUtf8().constData());
+
+    const qint64 countAt = vendorAt + vendorBytes;
+    const quint32 count = numberAt(block, countAt);
+    const int limit = (int(block.size()) - 8) / 4;
+    if (qint64(count) > limit) {
+        DPRINTF(3, "%sVorbis size error %u > %d", sink.prefix, count, limit);
+        return false;
+    }
+    walkComments(block, countAt + numberBytes, count, sink);
+    return true;
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/** Where the texts of a comment header go, and how its log lines begin. */
+struct VorbisCommentSink {
+    QString* title;
+    QString* artist;
+    QString* album;
+    const char* prefix;
+    const char* vendorPrefix;
+};
+
+/**
+ * Reads the vendor text and the "KEY=value" comments that start at byte `start` of a block or packet, into
+ * the sink. A comment that ends beyond the block ends the walk; of equal keys the last one holds. False, and
+ * no comment read, where the comment count cannot fit a block of this size.
+ */
+bool readVorbisComments(const QByteArray& block, qint64 start, const VorbisCommentSink& sink);
