@@ -1,0 +1,127 @@
+#include "tags/qtagparser.h"
+
+#include "app/dprintf.h"
+#include "tags/qflacparser.h"
+#include "tags/qmp3parser.h"
+#include "tags/qoggparser.h"
+
+#include <iterator>
+
+namespace {
+
+constexpr int headBytes = 10;
+
+struct Marker {
+    const char* text;
+    QTagParser::FileFormat format;
+};
+
+/** In the order of the search: the first one found decides. */
+constexpr Marker markers[] = {
+    {"ID3", QTagParser::Mp3},
+    {"Ogg", QTagParser::Ogg},
+    {"fLaC", QTagParser::Flac},
+    {"RIFF", QTagParser::Riff},
+};
+static_assert(std::size(markers) == QTagParser::Unknown, "one row a known format");
+
+/** One row a format that has a reader, in the order of FileFormat. */
+constexpr void (QTagParser::*readers[])() = {
+    &QTagParser::ID3parser,
+    &QTagParser::FLACparser,
+    &QTagParser::OGGparser,
+};
+static_assert(std::size(readers) == QTagParser::Riff, "RIFF is recognised but has no reader");
+
+template <typename Reader> TagInfomation readTags(const QString& path)
+{
+    const Reader reader(path, nullptr);
+    return {reader.GetTitle(), reader.GetArtist(), reader.GetAlbum(), reader.GetPicture()};
+}
+
+} // namespace
+
+QTagParser::QTagParser(QObject* parent)
+    : QObject(parent)
+{
+    InitConnection();
+}
+
+QTagParser::QTagParser(QString, QObject* parent)
+    : QTagParser(parent)
+{
+}
+
+void QTagParser::InitConnection()
+{
+    connect(this, &QTagParser::sgFileRead, this, &QTagParser::TagParsing);
+}
+
+bool QTagParser::setFile(QString path)
+{
+    strPath = path;
+    if (!m_file.openForReading(strPath)) {
+        DPRINTF(4, "%s", m_file.errorString().toLatin1().constData());
+        return false;
+    }
+    emit sgFileRead();
+    return true;
+}
+
+void QTagParser::TagParsing()
+{
+    m_info = TagInfomation();
+    const int format = GetFileFormat(m_file.readAtMost(headBytes));
+    m_file.close();
+    parse(format);
+    if (m_info.strTitle.isEmpty())
+        useFileNameAsTitle();
+    emit sgTagInfoUpdated(m_info);
+}
+
+void QTagParser::parse(int format)
+{
+    if (format < int(std::size(readers)))
+        (this->*readers[format])();
+    else
+        useFileNameAsTitle();
+}
+
+void QTagParser::useFileNameAsTitle()
+{
+    DPRINTF(3, "FILE-Tag is failed to initialize");
+    m_info.strTitle = GetMP3FileName();
+}
+
+int QTagParser::GetFileFormat(QByteArray head)
+{
+    for (const Marker& marker : markers) {
+        if (head.contains(marker.text))
+            return marker.format;
+    }
+    return Unknown;
+}
+
+QString QTagParser::GetMP3FileName()
+{
+    const auto dot = strPath.lastIndexOf(QLatin1Char('.'));
+    if (dot < 0)
+        DPRINTF(3, "This File is not mp3 ");
+    strPath.remove(dot, strPath.size() - dot); // without a dot: from -1, which is the last character
+    return strPath.mid(strPath.lastIndexOf(QLatin1Char('/')) + 1);
+}
+
+void QTagParser::ID3parser()
+{
+    m_info = readTags<QMP3Parser>(strPath);
+}
+
+void QTagParser::FLACparser()
+{
+    m_info = readTags<QFLACparser>(strPath);
+}
+
+void QTagParser::OGGparser()
+{
+    m_info = readTags<QOggParser>(strPath);
+}
