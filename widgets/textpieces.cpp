@@ -140,15 +140,22 @@ private:
         return qMax(inner.fits, bracket.fits + 1);
     }
 
-    /** The next longer length that fits although `length` + 1 does not, or 0. */
+    /**
+     * The next longer length that fits although `length` + 1 does not, or 0. What precedes a character that
+     * joins nothing keeps its width from there on, except that a mark just before it may yet find its place.
+     */
     int fittingBehind(int length, int most) const
     {
         const int last = qMin(most, length + 1 + longestSequence);
-        for (int longer = length + 2; longer <= last && joinsWhatPrecedes(m_from + longer - 1); ++longer) {
+        for (int longer = length + 2; longer <= last; ++longer) {
+            const int at = m_from + longer - 1;
+            const bool joins = joinsWhatPrecedes(at);
+            if (!joins && !isJoiner(characterBefore(at)))
+                return 0;
             const int pixels = width(0, longer);
             if (pixels <= m_limit)
                 return longer;
-            if (pixels > m_limit + mostLinesSaved * m_ruler.lineHeight)
+            if (!joins || pixels > m_limit + mostLinesSaved * m_ruler.lineHeight)
                 return 0;
         }
         return 0;

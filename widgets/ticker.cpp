@@ -1,5 +1,6 @@
 #include "widgets/ticker.h"
 
+#include "widgets/drawabletext.h"
 #include "widgets/textpieces.h"
 
 #include <QPainter>
@@ -47,7 +48,8 @@ void Ticker::paintEvent(QPaintEvent*)
 {
     const int pixels = fontMetrics().horizontalAdvance(m_shown);
     if (pixels > 0)
-        QPainter(this).drawText(QRect(0, 0, pixels, height()), Qt::AlignLeft | Qt::AlignVCenter, m_shown);
+        QPainter(this).drawText(QRect(0, 0, pixels, height()), Qt::AlignLeft | Qt::AlignVCenter,
+                                drawableText(m_shown));
 }
 
 void Ticker::timerEvent(QTimerEvent* event)

@@ -1,0 +1,148 @@
+#include "screens/aoeform.h"
+
+#include "app/dprintf.h"
+#include "app/utf8.h"
+#include "config/configfile.h"
+#include "config/unitpaths.h"
+#include "screens/levelmeter.h"
+#include "screens/panelfont.h"
+#include "screens/playicon.h"
+#include "ui_aoeform.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int textPoints = 12;
+
+/** The label has room for some thirty characters; a file without a line break is not read to its end. */
+constexpr qint64 longestSampleRate = 4096;
+
+/** Empty when the file is open, else the reason why it is not. Opening a pipe would wait for its writer. */
+QString openToRead(QFile& file)
+{
+    const QFileInfo info(file.fileName());
+    if (info.exists() && !info.isFile() && !info.isDir())
+        return QStringLiteral("Not a regular file");
+    return file.open(QIODevice::ReadOnly | QIODevice::Text) ? QString() : file.errorString();
+}
+
+} // namespace
+
+AOEForm::AOEForm(QWidget* parent)
+    : QWidget(parent)
+    , m_form(std::make_unique<Ui::AOEForm>())
+{
+    m_form->setupUi(this);
+    LevelMeter(*m_form).clear();
+    m_form->lb_POPUP->hide();
+    m_form->lbl_background_alpha->hide();
+    InitFont();
+}
+
+AOEForm::~AOEForm() = default;
+
+void AOEForm::InitFont()
+{
+    const QFont font = panelFont(textPoints);
+    m_form->lb_aoe_ip->setFont(font);
+    m_form->lb_aoe_sample_rate->setFont(font);
+    m_form->lb_POPUP->setFont(font);
+}
+
+void AOEForm::showAoeInfo(QString sampleRate, QString ipAddress)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_POPUP->hide();
+    m_form->lb_aoe_ip->setText(ipAddress);
+    m_form->lb_aoe_sample_rate->setText(sampleRate);
+}
+
+void AOEForm::showPlay()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbl_background_alpha->hide();
+    m_form->lb_POPUP->hide();
+    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
+    AoeInfoFromXML();
+}
+
+void AOEForm::showStop()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
+}
+
+void AOEForm::showFailMSG()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    popUp(QStringLiteral("Try to connect AOE server."));
+}
+
+void AOEForm::showOVERMSG()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    popUp(QStringLiteral("Output only less than 16000Hz"));
+}
+
+void AOEForm::popUp(const QString& text)
+{
+    m_form->lb_POPUP->show();
+    m_form->lbl_background_alpha->show();
+    m_form->lb_POPUP->setText(text);
+}
+
+void AOEForm::showLevel(unsigned char level)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    if (level == 0)
+        initLevel();
+    else
+        LevelMeter(*m_form).light(level);
+}
+
+void AOEForm::initLevel()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    LevelMeter(*m_form).clear();
+}
+
+void AOEForm::AoeInfoFromXML()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    if (!readSampleRate() || !readAddress())
+        return;
+    m_form->lb_aoe_ip->setText(m_ipAddress);
+    m_form->lb_aoe_sample_rate->setText(m_sampleRate);
+}
+
+bool AOEForm::readSampleRate()
+{
+    QFile file(unitPath(UnitPath::SampleRate));
+    const QString error = openToRead(file);
+    if (!error.isEmpty()) {
+        DPRINTF(4, "SampleRate [%s]", error.toUtf8().constData());
+        m_form->lb_aoe_sample_rate->setText(tr("Read SR to failed"));
+        return false;
+    }
+    m_sampleRate = utf8UntilZero(file.readLine(longestSampleRate));
+    return true;
+}
+
+bool AOEForm::readAddress()
+{
+    ConfigReader reader(unitPath(UnitPath::AoeConnection));
+    if (!reader.isOpen()) {
+        DPRINTF(4, "XML [%s]", reader.errorString().toUtf8().constData());
+        m_form->lb_aoe_ip->setText(tr("Read XML to failed"));
+        return false;
+    }
+    reader.readFlat({{QStringLiteral("ip_addr")}, QStringLiteral("config")},
+                    [this](const QString&, const QString& text) {
+                        if (!text.isEmpty())
+                            m_ipAddress = text;
+                        return Flat::More;
+                    });
+    return true;
+}

@@ -1,0 +1,297 @@
+#include "screens/mp3_lcd.h"
+
+#include "app/dprintf.h"
+#include "screens/levelmeter.h"
+#include "screens/panelfont.h"
+#include "screens/playicon.h"
+#include "ui_mp3_lcd.h"
+
+#include <QImage>
+
+#include <algorithm>
+#include <initializer_list>
+#include <iterator>
+
+namespace {
+
+constexpr int textPoints = 12;
+constexpr QSize shadowSize(100, 32);
+
+enum class PlayMode {
+    All,
+    Folder,
+    One,
+    RepeatAll,
+    RepeatFolder,
+    RepeatOne,
+};
+
+constexpr const char* modeImages[] = {
+    ":/Tessaro/image/special_state/all.png",           ":/Tessaro/image/special_state/folder.png",
+    ":/Tessaro/image/special_state/one.png",           ":/Tessaro/image/special_state/all_repeat.png",
+    ":/Tessaro/image/special_state/folder_repeat.png", ":/Tessaro/image/special_state/one_repeat.png",
+};
+static_assert(std::size(modeImages) == std::size_t(PlayMode::RepeatOne) + 1, "one image a mode");
+
+QPixmap modeIcon(PlayMode mode)
+{
+    return QPixmap(QLatin1String(modeImages[std::size_t(mode)]));
+}
+
+void showWidgets(std::initializer_list<QWidget*> widgets)
+{
+    for (QWidget* widget : widgets)
+        widget->show();
+}
+
+void hideWidgets(std::initializer_list<QWidget*> widgets)
+{
+    for (QWidget* widget : widgets)
+        widget->hide();
+}
+
+} // namespace
+
+mp3_lcd::mp3_lcd(QWidget* parent)
+    : QWidget(parent)
+    , m_form(std::make_unique<Ui::mp3_lcd>())
+{
+    m_form->setupUi(this);
+    LevelMeter(*m_form).clear();
+    InitFont();
+    m_form->lb_shuffle->hide();
+    AlbumArtImgOn(false);
+    m_form->lb_FrontUSB->hide();
+    m_form->lb_StreamUSB->hide();
+}
+
+mp3_lcd::~mp3_lcd() = default;
+
+void mp3_lcd::InitFont()
+{
+    const QFont font = panelFont(textPoints);
+    const std::initializer_list<QWidget*> texts = {m_form->lbl_album, m_form->lbl_artist, m_form->lbl_folder,
+                                                   m_form->lbl_files, m_form->lbl_title,  m_form->lbTime};
+    for (QWidget* text : texts)
+        text->setFont(font);
+}
+
+void mp3_lcd::AlbumArtImgOn(bool on)
+{
+    if (!on) {
+        hideWidgets({m_form->lbl_image, m_form->lbShadow, m_form->lb_AlbumArt_back});
+        m_form->lb_No_CDImg->show();
+        return;
+    }
+    m_form->lb_No_CDImg->hide();
+    showWidgets({m_form->lbl_image, m_form->lb_AlbumArt_back, m_form->lbShadow});
+    m_form->lbl_image->setPixmap(m_albumArt);
+    m_form->lbShadow->setPixmap(CreateShadowImg(m_albumArt));
+}
+
+/** The mirror is not exact: row 0, column 0 and the middle row stay, and row y changes places with h - y. */
+QPixmap mp3_lcd::CreateShadowImg(QPixmap pixmap)
+{
+    QImage image = pixmap.scaled(shadowSize, Qt::IgnoreAspectRatio, Qt::FastTransformation)
+                       .toImage()
+                       .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const auto row = [&image](int y) { return reinterpret_cast<QRgb*>(image.scanLine(y)); };
+    const int height = image.height();
+    for (int y = 1; y < height / 2; ++y)
+        std::swap_ranges(row(y) + 1, row(y) + image.width(), row(height - y) + 1);
+    return QPixmap::fromImage(image);
+}
+
+void mp3_lcd::play_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
+    m_playState = Playing;
+}
+
+void mp3_lcd::pause_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Pause));
+    m_playState = Paused;
+}
+
+void mp3_lcd::stop_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
+    m_playState = Stopped;
+}
+
+void mp3_lcd::next_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Next));
+}
+
+void mp3_lcd::prev_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Previous));
+}
+
+void mp3_lcd::PlayPause_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    const bool pause = m_playState == Playing;
+    m_form->lbI_PlayState->setPixmap(playIcon(pause ? PlayIcon::Pause : PlayIcon::Play));
+    m_playState = pause ? Paused : Playing;
+}
+
+void mp3_lcd::showAll()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::All));
+}
+
+void mp3_lcd::showFolder()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::Folder));
+}
+
+void mp3_lcd::showOne()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::One));
+}
+
+void mp3_lcd::showRptAll()
+{
+    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatAll));
+}
+
+void mp3_lcd::showRptFolder()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatFolder));
+}
+
+void mp3_lcd::showRptOne()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatOne));
+}
+
+void mp3_lcd::showShuffle()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_shuffle->show();
+}
+
+void mp3_lcd::showOffShuffle()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_shuffle->hide();
+}
+
+void mp3_lcd::showTime(QString time)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbTime->setText(time);
+}
+
+void mp3_lcd::showDiskInfo(QString folders, QString files)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lbl_folder->setText(folders);
+    m_form->lbl_files->setText(files);
+}
+
+void mp3_lcd::showDiskNormal()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_FrontUSB->show();
+}
+
+void mp3_lcd::showDiskRemoved()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_FrontUSB->hide();
+    m_form->lbl_files->setText(QStringLiteral("FILES: "));
+    m_form->lbl_folder->setText(QStringLiteral(" "));
+    m_form->lbl_title->setText(QStringLiteral("Title"), true);
+    m_form->lbl_album->setText(QStringLiteral("Album"));
+    m_form->lbl_artist->setText(QStringLiteral("Artist"));
+    m_form->lbl_image->clear();
+    m_form->lb_AlbumArt_back->hide();
+    m_form->lb_No_CDImg->show();
+    m_form->lbShadow->clear();
+}
+
+void mp3_lcd::showUSBStreamEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->lb_StreamUSB->show();
+}
+
+void mp3_lcd::showUSBStreamExited()
+{
+    m_form->lb_StreamUSB->hide();
+}
+
+void mp3_lcd::showUSBFrontEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    initLevel();
+    showWidgets({m_form->lbl_album, m_form->lbl_artist, m_form->lbl_folder, m_form->lbl_files,
+                 m_form->lb_folderImg, m_form->lbl_image, m_form->lbl_title, m_form->lbShadow,
+                 m_form->lbTime});
+    m_form->lb_AlbumArt_back->hide();
+    showWidgets({m_form->lb_specialState, m_form->lbI_PlayState, m_form->lb_No_CDImg});
+}
+
+void mp3_lcd::showUSBFrontExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    hideWidgets({m_form->lbl_album, m_form->lbl_artist, m_form->lbl_folder, m_form->lbl_files,
+                 m_form->lb_folderImg, m_form->lbl_image, m_form->lbl_title, m_form->lbShadow, m_form->lbTime,
+                 m_form->lb_AlbumArt_back, m_form->lb_specialState, m_form->lbI_PlayState,
+                 m_form->lb_No_CDImg});
+}
+
+void mp3_lcd::showAUXEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+}
+
+void mp3_lcd::showAUXExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+}
+
+void mp3_lcd::showLevel(unsigned char level)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    if (level == 0)
+        initLevel();
+    else
+        LevelMeter(*m_form).light(level);
+}
+
+void mp3_lcd::initLevel()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    LevelMeter(*m_form).clear();
+}
+
+void mp3_lcd::ShowTagInfo(TagInfomation info)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_title = info.strTitle;
+    m_artist = info.strArtist;
+    m_album = info.strAlbum;
+    m_albumArt = info.pixPicture;
+    m_form->lbl_album->setText(m_album);
+    m_form->lbl_title->setText(m_title, true);
+    m_form->lbl_artist->setText(m_artist);
+    DPRINTF(1, "Width size of tag Image  %d", m_albumArt.width());
+    const bool present = !m_albumArt.isNull();
+    DPRINTF(2, "%s", present ? "Album Art Image OK" : "Album Art Image NULL ");
+    AlbumArtImgOn(present);
+}

@@ -1,0 +1,78 @@
+#include "screens/panelfont.h"
+#include "tests/support/panelmain.h"
+#include "widgets/drawabletext.h"
+#include "widgets/plainlabel.h"
+
+namespace {
+
+QImage picture(const QString& text, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter)
+{
+    PlainLabel label;
+    label.setFont(panelFont(12));
+    label.setStyleSheet(QStringLiteral("color: rgb(174, 174, 174);\nbackground-color: rgb(0, 0, 0);"));
+    label.setAlignment(alignment);
+    label.resize(168, 40);
+    label.setText(text);
+    return label.grab().toImage();
+}
+
+} // namespace
+
+class PlainLabelTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void drawable_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("drawn");
+        const QChar zero(0);
+        QTest::newRow("zeros at the end") << QStringLiteral("노래") + zero + zero << QStringLiteral("노래");
+        QTest::newRow("zero in between")
+            << QStringLiteral("a") + zero + QStringLiteral("b") << QStringLiteral("ab");
+        QTest::newRow("other controls")
+            << QStringLiteral("a\x01\x1B\x7F\u0085\u009C\rb") << QStringLiteral("ab");
+        QTest::newRow("breaks and tabs stay") << QStringLiteral("a\n\tb") << QStringLiteral("a\n\tb");
+        QTest::newRow("joiners stay") << QStringLiteral("a\u200Db\u00AD") << QStringLiteral("a\u200Db\u00AD");
+        QTest::newRow("surrogate halves stay") << QString(QChar(0xD800)) << QString(QChar(0xD800));
+        QTest::newRow("nothing left") << QString(zero) << QString();
+    }
+    void drawable()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, drawn);
+        QCOMPARE(drawableText(text), drawn);
+    }
+
+    void controlCharactersDrawNothing()
+    {
+        const QString text = QStringLiteral("Title") + QChar(0);
+        for (const Qt::Alignment alignment :
+             {Qt::AlignLeft | Qt::AlignVCenter, Qt::Alignment(Qt::AlignCenter)})
+            QCOMPARE(picture(text, alignment), picture(QStringLiteral("Title"), alignment));
+        QVERIFY(picture(QStringLiteral("Title")) != picture(QString()));
+    }
+
+    void theTextItselfStays()
+    {
+        PlainLabel label;
+        label.setText(QStringLiteral("Title") + QChar(0));
+        QCOMPARE(label.text(), QStringLiteral("Title") + QChar(0));
+    }
+
+    void markupIsShownAsItIs()
+    {
+        QVERIFY(picture(QStringLiteral("<b>x</b>")) != picture(QStringLiteral("x")));
+        QLabel expected;
+        expected.setTextFormat(Qt::PlainText);
+        PlainLabel label;
+        expected.setText(QStringLiteral("<b>x</b>"));
+        label.setText(expected.text());
+        expected.resize(100, 20);
+        label.resize(100, 20);
+        QCOMPARE(label.grab().toImage(), expected.grab().toImage());
+    }
+};
+
+VIREO_TEST_MAIN(PlainLabelTest)
+#include "tst_plainlabel.moc"

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QLabel>
+
+/**
+ * A label for texts that come from outside: files, tags, packets. It shows them letter for letter, whatever
+ * markup they look like; control characters other than line breaks and tabs stay in text() and draw nothing.
+ */
+class PlainLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit PlainLabel(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
