@@ -18,8 +18,8 @@ import math
 import re
 import sys
 
-# Strokes of each letter as corners "x,y" in parts of the letter's box. A corner that ends in "r" is rounded, a stroke that
-# ends in "z" is closed. The number in front is added to the width of a normal letter; "=" gives the width in strokes.
+# What a letter adds to the width of a normal one (None: as wide as its stroke), and its strokes: corners "x,y" in parts
+# of the letter's box. A corner that ends in "r" is rounded, a stroke that ends in "z" is closed.
 GLYPHS = {
     "A": (0, "0,1 .5,0 1,1 | .17,.66 .83,.66"),
     "B": (0, "0,.5 0,0 1,0r 1,.5r z | 0,.5 1,.5r 1,1r 0,1 z"),
@@ -47,7 +47,6 @@ GLYPHS = {
     "X": (0, "0,0 1,1 | 1,0 0,1"),
     "Y": (0, "0,0 .5,.5 1,0 | .5,.5 .5,1"),
     "Z": (0, "0,0 1,0 0,1 1,1"),
-    "1": (-4, "0,.25 1,0 1,1"),
     ".": (None, "0,1 0,1"),
 }
 KERNING = {"AT": -1, "TA": -1, "LT": -1, "AV": -1, "VA": -1, "AY": -1, "YA": -1, "RT": -1}
@@ -62,8 +61,8 @@ def towards(start, end, distance):
     return tuple(a + (b - a) * distance / length for a, b in zip(start, end))
 
 
-def room(corners, rounded, here, there):
-    """How much of the side between two corners the rounding of the first may take."""
+def half_or_whole_side(corners, rounded, here, there):
+    """How much of the side between two corners the rounding of the first may take: two roundings share it."""
     side = math.dist(corners[here], corners[there])
     return side / 2 if rounded[there] else side
 
@@ -73,7 +72,7 @@ def stroke(text, x, y, width, height, radius):
     words = text.rstrip("z").split()
     rounded = [word.endswith("r") for word in words]
     parts = [[float(part) for part in word.rstrip("r").split(",")] for word in words]
-    # Level strokes stand on whole pixels.
+    # Level strokes stand on whole pixels, so that they stay sharp.
     corners = [(x + across * width, y + round(down * height)) for across, down in parts]
     count = len(corners)
     path = []
@@ -83,7 +82,7 @@ def stroke(text, x, y, width, height, radius):
             path.append(f"{verb}{number(corner[0])} {number(corner[1])}")
             continue
         before, after = (here - 1) % count, (here + 1) % count
-        cut = min(radius, room(corners, rounded, here, before), room(corners, rounded, here, after))
+        cut = min(radius, *(half_or_whole_side(corners, rounded, here, side) for side in (before, after)))
         start, end = towards(corner, corners[before], cut), towards(corner, corners[after], cut)
         turn = (corner[0] - start[0]) * (end[1] - corner[1]) - (corner[1] - start[1]) * (end[0] - corner[0])
         path.append(f"{verb}{number(start[0])} {number(start[1])}")
@@ -106,7 +105,7 @@ def place(text, left, wide, gap, pen):
     edges, right, previous = [], left, ""
     for letter in text:
         if letter == " ":
-            right += gap + wide // 2
+            right += 2 * gap + wide // 2
             edges.append(right)
             previous = ""
             continue

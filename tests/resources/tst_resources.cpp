@@ -65,7 +65,7 @@ constexpr PanelImage kImages[] = {
     {":/Tessaro/font/SAMPLE RATE.png",                  "font/SAMPLE RATE",                  200,  20, ClearEdge},
     {":/Tessaro/font/title.png",                        "font/title",                        200,  20, ClearEdge},
     {":/Tessaro/font/URL.png",                          "font/URL",                          200,  20, ClearEdge},
-    {":/Tessaro/font/SYSINFO.png",                      "font/SYSINFO",                      271,  25, Plain},
+    {":/Tessaro/font/SYSINFO.png",                      "font/SYSINFO",                      271,  25, ClearEdge},
     {":/menuicon/image/usb_icon.png",                   "menu/usb_icon",                     100, 100, Opaque},
     {":/menuicon/image/aoe_icon.png",                   "menu/aoe_icon",                     100, 100, Opaque},
     {":/menuicon/image/IR_icon.png",                    "menu/IR_icon",                      100, 100, Opaque},
@@ -73,7 +73,8 @@ constexpr PanelImage kImages[] = {
     {":/menuicon/image/setup_icon.png",                 "menu/setup_icon",                   100, 100, Opaque},
 };
 // clang-format on
-static_assert(sizeof(kImages) / sizeof(kImages[0]) == 43, "an image came or went: the screens must agree");
+constexpr int kImageCount = sizeof(kImages) / sizeof(kImages[0]);
+static_assert(kImageCount == 43, "an image came or went: the screens must agree");
 
 const QString kResources = QStringLiteral(VIREO_SOURCE_DIR "/resources/");
 const QString kArt = kResources + QStringLiteral("art/");
@@ -116,6 +117,15 @@ int distance(const QImage& a, const QImage& b)
     return most;
 }
 
+int differingPixels(const QImage& a, const QImage& b)
+{
+    int count = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            count += distance(a.pixel(x, y), b.pixel(x, y)) > 64 ? 1 : 0;
+    return count;
+}
+
 QByteArray standardOutput(const QString& program, const QStringList& arguments)
 {
     QProcess process;
@@ -133,25 +143,26 @@ class ResourcesTest : public QObject {
 
     static void imageRows(int traits = Plain)
     {
-        QTest::addColumn<const PanelImage*>("image");
-        for (const PanelImage& image : kImages)
-            if ((image.traits & traits) == traits)
-                QTest::newRow(image.path) << &image;
+        QTest::addColumn<int>("row");
+        for (int row = 0; row < kImageCount; ++row)
+            if ((kImages[row].traits & traits) == traits)
+                QTest::newRow(kImages[row].path) << row;
     }
 
 private slots:
     void everyImageLoadsInItsLayoutSize_data() { imageRows(); }
     void everyImageLoadsInItsLayoutSize()
     {
-        QFETCH(const PanelImage*, image);
-        QCOMPARE(QImage(latin(image->path)).size(), QSize(image->width, image->height));
+        QFETCH(int, row);
+        const PanelImage& image = kImages[row];
+        QCOMPARE(QImage(latin(image.path)).size(), QSize(image.width, image.height));
     }
 
     void nothingElseIsCompiledIn()
     {
         QStringList found = namesBelow(QStringLiteral(":/Tessaro"), QString())
             + namesBelow(QStringLiteral(":/menuicon"), QString());
-        QCOMPARE(found.size(), int(sizeof(kImages) / sizeof(kImages[0])));
+        QCOMPARE(int(found.size()), kImageCount);
     }
 
     void eachBundleRegistersUnderItsName()
@@ -182,8 +193,9 @@ private slots:
     void drawingsNeedNoFontAndNoOtherFile_data() { imageRows(); }
     void drawingsNeedNoFontAndNoOtherFile()
     {
-        QFETCH(const PanelImage*, image);
-        QFile drawing(kArt + latin(image->drawing) + QStringLiteral(".svg"));
+        QFETCH(int, row);
+        const PanelImage& image = kImages[row];
+        QFile drawing(kArt + latin(image.drawing) + QStringLiteral(".svg"));
         QVERIFY(drawing.open(QIODevice::ReadOnly));
         const QByteArray text = drawing.readAll();
         for (const char* foreign : {"<text", "<tspan", "<image", "<style", "font-", "http://", "https://"})
@@ -193,12 +205,13 @@ private slots:
     void imageIsTheRenderingOfItsDrawing_data() { imageRows(); }
     void imageIsTheRenderingOfItsDrawing()
     {
-        QFETCH(const PanelImage*, image);
-        const QString drawing = kArt + latin(image->drawing) + QStringLiteral(".svg");
+        QFETCH(int, row);
+        const PanelImage& image = kImages[row];
+        const QString drawing = kArt + latin(image.drawing) + QStringLiteral(".svg");
         const QByteArray png = standardOutput(QStringLiteral("rsvg-convert"), {drawing});
         const QImage fresh =
             QImage::fromData(png, "PNG").convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        const QImage committed = load(image->path);
+        const QImage committed = load(image.path);
         QCOMPARE(fresh.size(), committed.size());
         QVERIFY(distance(fresh, committed) <= 4);
     }
@@ -214,8 +227,9 @@ private slots:
     void groundsAndSlidesAreOpaque_data() { imageRows(Opaque); }
     void groundsAndSlidesAreOpaque()
     {
-        QFETCH(const PanelImage*, image);
-        const QImage pixels = load(image->path);
+        QFETCH(int, row);
+        const PanelImage& image = kImages[row];
+        const QImage pixels = load(image.path);
         for (int y = 0; y < pixels.height(); ++y)
             for (int x = 0; x < pixels.width(); ++x)
                 QCOMPARE(qAlpha(pixels.pixel(x, y)), 255);
@@ -224,8 +238,9 @@ private slots:
     void iconsAndCaptionsKeepOffTheEdge_data() { imageRows(ClearEdge); }
     void iconsAndCaptionsKeepOffTheEdge()
     {
-        QFETCH(const PanelImage*, image);
-        const QImage pixels = load(image->path);
+        QFETCH(int, row);
+        const PanelImage& image = kImages[row];
+        const QImage pixels = load(image.path);
         const QRect inside = pixels.rect().adjusted(1, 1, -1, -1);
         bool drawn = false;
         for (int y = 0; y < pixels.height(); ++y) {
@@ -250,6 +265,30 @@ private slots:
                 QVERIFY(distance(logo.pixel(x, y), logo.pixel(x, y - 1)) <= 1);
             }
         }
+    }
+
+    void playModesAreToldApart()
+    {
+        const QStringList modes{
+            QStringLiteral("one"),        QStringLiteral("all"),        QStringLiteral("folder"),
+            QStringLiteral("one_repeat"), QStringLiteral("all_repeat"), QStringLiteral("folder_repeat"),
+        };
+        const QString path = QStringLiteral(":/Tessaro/image/special_state/%1.png");
+        for (const QString& mode : modes)
+            for (const QString& other : modes)
+                if (mode != other)
+                    QVERIFY2(differingPixels(QImage(path.arg(mode)), QImage(path.arg(other))) > 60,
+                             qPrintable(mode + QLatin1Char(' ') + other));
+    }
+
+    void chosenAnswerIsLit()
+    {
+        const QImage yes(QStringLiteral(":/Tessaro/image/setup/dhcp_yes.png"));
+        const QImage no(QStringLiteral(":/Tessaro/image/setup/dhcp_no.png"));
+        const QPoint left(18, 50);
+        const QPoint right(134, 50);
+        QVERIFY(qGray(yes.pixel(left)) > qGray(yes.pixel(right)) + 100);
+        QVERIFY(qGray(no.pixel(right)) > qGray(no.pixel(left)) + 100);
     }
 
     void segmentKeepsItsShapeWhenItLights_data()
