@@ -4,16 +4,30 @@
 
 namespace {
 
-bool isDrawnAsBox(QChar c)
+template <typename Predicate> QString without(QString text, Predicate dropped)
+{
+    text.erase(std::remove_if(text.begin(), text.end(), dropped), text.end());
+    return text;
+}
+
+bool isBox(QChar c)
 {
     return c.category() == QChar::Other_Control && c != QLatin1Char('\n') && c != QLatin1Char('\t');
+}
+
+bool isBoxOrBreak(QChar c)
+{
+    return isBox(c) || c == QLatin1Char('\n') || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
 }
 
 } // namespace
 
 QString drawableText(const QString& text)
 {
-    QString drawn = text;
-    drawn.erase(std::remove_if(drawn.begin(), drawn.end(), isDrawnAsBox), drawn.end());
-    return drawn;
+    return without(text, isBox);
+}
+
+QString drawableLine(const QString& text)
+{
+    return without(text, isBoxOrBreak);
 }

@@ -13,13 +13,22 @@ PlainLabel::PlainLabel(QWidget* parent)
 
 void PlainLabel::paintEvent(QPaintEvent* event)
 {
-    const QString drawn = drawableText(text());
-    if (drawn == text()) {
+    if (drawableLine(text()) == text())
         QLabel::paintEvent(event);
-        return;
+    else
+        drawAs(drawableText(text()));
+}
+
+void PlainLabel::drawAs(const QString& text)
+{
+    const QFontMetrics metrics = fontMetrics();
+    QRect box = contentsRect();
+    Qt::Alignment alignment = this->alignment();
+    if ((alignment & Qt::AlignVCenter) && metrics.size(0, text).height() > box.height()) {
+        box.setTop(box.top() + (box.height() - metrics.height()) / 2);
+        alignment ^= Qt::AlignVCenter | Qt::AlignTop;
     }
     QPainter painter(this);
     drawFrame(&painter);
-    style()->drawItemText(&painter, contentsRect(), int(alignment()), palette(), isEnabled(), drawn,
-                          foregroundRole());
+    style()->drawItemText(&painter, box, int(alignment), palette(), isEnabled(), text, foregroundRole());
 }

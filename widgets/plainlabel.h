@@ -5,6 +5,7 @@
 /**
  * A label for texts that come from outside: files, tags, packets. It shows them letter for letter, whatever
  * markup they look like; control characters other than line breaks and tabs stay in text() and draw nothing.
+ * Of more lines than it has room for it shows the first, where a single line would stand.
  */
 class PlainLabel : public QLabel {
     Q_OBJECT
@@ -14,4 +15,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    void drawAs(const QString& text);
 };

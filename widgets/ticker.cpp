@@ -49,7 +49,7 @@ void Ticker::paintEvent(QPaintEvent*)
     const int pixels = fontMetrics().horizontalAdvance(m_shown);
     if (pixels > 0)
         QPainter(this).drawText(QRect(0, 0, pixels, height()), Qt::AlignLeft | Qt::AlignVCenter,
-                                drawableText(m_shown));
+                                drawableLine(m_shown));
 }
 
 void Ticker::timerEvent(QTimerEvent* event)

@@ -70,6 +70,15 @@ inline bool lies(const QWidget& screen, const char* upper, const char* lower)
         > order.indexOf(widget(screen, QString::fromLatin1(lower)));
 }
 
+/** What a widget and its children draw, without the ground of the window. */
+inline QImage drawn(QWidget& widget)
+{
+    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    widget.render(&image, {}, {}, QWidget::DrawChildren);
+    return image;
+}
+
 inline void addRows(const QVector<Row>& rows)
 {
     QTest::addColumn<QRect>("place");

@@ -221,6 +221,19 @@ private slots:
         QVERIFY(!screen.grab().isNull());
     }
 
+    void theLineBreakDoesNotPushTheRateOutOfItsLabel()
+    {
+        const Unit unit;
+        AOEForm screen;
+        QWidget& label = *Screen::widget(screen, QStringLiteral("lb_aoe_sample_rate"));
+        UnitRoot::write(unit.sampleRate(), "48000");
+        screen.AoeInfoFromXML();
+        const QImage alone = Screen::drawn(label);
+        UnitRoot::write(unit.sampleRate(), "48000\n");
+        screen.AoeInfoFromXML();
+        QCOMPARE(Screen::drawn(label), alone);
+    }
+
     void aLineWithoutEndIsNotReadToTheEnd()
     {
         const Unit unit;

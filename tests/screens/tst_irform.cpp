@@ -29,15 +29,15 @@ QImage showing(const QString& text)
     ticker.setFont(panelFont(12));
     ticker.resize(230, 20);
     ticker.setText(text, true);
-    return ticker.grab().toImage();
+    return Screen::drawn(ticker);
 }
 QImage title(const IRForm& screen)
 {
-    return Screen::widget(screen, QStringLiteral("lb_IR_Title"))->grab().toImage();
+    return Screen::drawn(*Screen::widget(screen, QStringLiteral("lb_IR_Title")));
 }
 QImage url(const IRForm& screen)
 {
-    return Screen::widget(screen, QStringLiteral("lb_IR_Url"))->grab().toImage();
+    return Screen::drawn(*Screen::widget(screen, QStringLiteral("lb_IR_Url")));
 }
 
 } // namespace

@@ -7,9 +7,7 @@ namespace {
 /** The pixels that a widget paints in another colour than its own ground. */
 int ink(QWidget& widget)
 {
-    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    widget.render(&image, {}, {}, QWidget::DrawChildren);
+    const QImage image = Screen::drawn(widget);
     int pixels = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)
@@ -57,9 +55,7 @@ private slots:
     void theLogoBelowShowsThrough()
     {
         NetbgmForm screen;
-        QImage image(320, 240, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        screen.render(&image, {}, {}, QWidget::DrawChildren);
+        const QImage image = Screen::drawn(screen);
         for (int y = 0; y < 240; ++y) {
             for (int x = 0; x < 320; ++x)
                 QVERIFY(qAlpha(image.pixel(x, y)) == 0 || QRect(70, 100, 181, 21).contains(x, y));

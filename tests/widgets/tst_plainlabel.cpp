@@ -44,6 +44,24 @@ private slots:
         QCOMPARE(drawableText(text), drawn);
     }
 
+    void aLineHasNoBreaks()
+    {
+        const QString text = QStringLiteral("a\nb\u2028c\u2029d\te") + QChar(0);
+        QCOMPARE(drawableLine(text), QStringLiteral("abcd\te"));
+    }
+
+    /** Forty pixels hold two lines of sixteen and no third. */
+    void ofTooManyLinesTheFirstAreShown()
+    {
+        const QImage one = picture(QStringLiteral("one"));
+        const QImage four = picture(QStringLiteral("one\ntwo\nthree\nfour"));
+        const QRect firstLine(0, 12, 168, 16);
+        QCOMPARE(four.copy(firstLine), one.copy(firstLine));
+        QVERIFY(four != one);
+        QVERIFY2(picture(QStringLiteral("one\ntwo")).copy(firstLine) != one.copy(firstLine),
+                 "two are centred");
+    }
+
     void controlCharactersDrawNothing()
     {
         const QString text = QStringLiteral("Title") + QChar(0);

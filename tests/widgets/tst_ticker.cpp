@@ -352,6 +352,11 @@ private slots:
         QCOMPARE(picture(ticker), expected.toImage().convertToFormat(picture(ticker).format()));
     }
 
+    void controlCharactersAndLineBreaksDrawNothing()
+    {
+        QCOMPARE(pictureOf(QStringLiteral("ti\ntle") + QChar(0)), pictureOf(QStringLiteral("title")));
+    }
+
     void anyUnitsAreShownWithoutHarm()
     {
         Ticker ticker;
