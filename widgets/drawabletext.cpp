@@ -6,7 +6,7 @@ namespace {
 
 template <typename Predicate> QString without(QString text, Predicate dropped)
 {
-    text.erase(std::remove_if(text.begin(), text.end(), dropped), text.end());
+    text.truncate(int(std::remove_if(text.begin(), text.end(), dropped) - text.begin()));
     return text;
 }
 
