@@ -67,7 +67,7 @@ private slots:
     void countClosed()
     {
         const auto* socket = qobject_cast<QTcpSocket*>(sender());
-        closed += socket->error() == QAbstractSocket::RemoteHostClosedError ? 1 : 0;
+        closed += socket && socket->error() == QAbstractSocket::RemoteHostClosedError ? 1 : 0;
     }
     void read()
     {

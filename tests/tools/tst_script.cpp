@@ -74,6 +74,20 @@ private slots:
         QCOMPARE(splitLine(line).error, QStringLiteral("a quote is not closed"));
     }
 
+    void joinedWordsAreSplitAgain()
+    {
+        const QStringList words{QStringLiteral("station"),
+                                QStringLiteral("Two \"quoted\" Words"),
+                                QString::fromUtf8("한국 # 방송"),
+                                QStringLiteral("back\\slash"),
+                                QString(),
+                                QStringLiteral("it's"),
+                                QStringLiteral("tab\there")};
+        QCOMPARE(splitLine(joinLine(words)).words, words);
+        QCOMPARE(joinLine({QStringLiteral("key"), QStringLiteral("long-esc")}),
+                 QStringLiteral("key long-esc"));
+    }
+
     void allLinesOverOneConnection()
     {
         FakePanel panel;

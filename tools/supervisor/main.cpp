@@ -1,16 +1,44 @@
 #include "tools/supervisor/commandline.h"
+#include "tools/supervisor/display.h"
 #include "tools/supervisor/script.h"
+#include "tools/supervisor/supervisorwindow.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <cstdio>
 
+namespace {
+
+QStringList utf8Arguments(int argc, char** argv)
+{
+    QStringList result;
+    for (int i = 1; i < argc; ++i)
+        result << QString::fromUtf8(argv[i]);
+    return result;
+}
+
+int runWindow(int& argc, char** argv, const CommandLine& commandLine)
+{
+    const QString problem = displayProblem();
+    if (!problem.isEmpty())
+        return failure(problem);
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("Vireo supervisor"));
+    SupervisorWindow window(commandLine.host, commandLine.port);
+    window.show();
+    return QApplication::exec();
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
-    QCoreApplication application(argc, argv);
-    const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments().mid(1));
+    const CommandLine commandLine = CommandLine::parse(utf8Arguments(argc, argv));
     if (!commandLine.error.isEmpty())
         return failure(commandLine.error);
+    if (commandLine.run == CommandLine::Run::Window)
+        return runWindow(argc, argv, commandLine);
+    QCoreApplication application(argc, argv);
     if (commandLine.run == CommandLine::Run::Send)
         return runSend(commandLine);
     if (commandLine.run == CommandLine::Run::Script)

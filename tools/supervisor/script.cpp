@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -70,6 +71,17 @@ private:
     SplitLine m_result;
 };
 
+/** The word in double quotes, where it needs them. */
+QString quoted(const QString& word)
+{
+    const auto isSpecial = [](QChar c) { return c.isSpace() || QStringLiteral("\"'#").contains(c); };
+    if (!word.isEmpty() && std::none_of(word.begin(), word.end(), isSpecial))
+        return word;
+    QString inside = word;
+    inside.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\""));
+    return QLatin1Char('"') + inside + QLatin1Char('"');
+}
+
 QString placed(const QString& name, int number, const QString& text)
 {
     return QStringLiteral("%1:%2: %3").arg(name, QString::number(number), text);
@@ -133,6 +145,14 @@ private:
 SplitLine splitLine(const QString& line)
 {
     return LineSplitter(line).split();
+}
+
+QString joinLine(const QStringList& words)
+{
+    QStringList parts;
+    for (const QString& word : words)
+        parts << quoted(word);
+    return parts.join(QLatin1Char(' '));
 }
 
 Script Script::load(const QString& path)

@@ -36,6 +36,9 @@ struct SplitLine {
  */
 SplitLine splitLine(const QString& line);
 
+/** One line that splitLine() takes apart into these words again. */
+QString joinLine(const QStringList& words);
+
 struct CommandLine;
 
 /** `script`: all lines over one connection. Returns the exit status. */
