@@ -1,5 +1,8 @@
 #include "tags/coverpicture.h"
 
+#include "tags/bytesat.h"
+#include "tags/touint.h"
+
 #include <QBuffer>
 #include <QImage>
 #include <QImageReader>
@@ -28,12 +31,24 @@ bool isPlain(const QByteArray& format)
                        [&format](const char* plain) { return format.startsWith(plain); });
 }
 
-/** Whether the picture may be decoded, as far as its header says. */
-bool isBounded(const QImageReader& reader)
+/** The size that decoding takes. A GIF is drawn on a screen, whose size its bytes 6 to 9 give. */
+QSize decodedSize(const QImageReader& reader, const QByteArray& imageFile)
 {
-    const QSize size = reader.size();
+    if (reader.format() != "gif")
+        return reader.size();
+    const QSize screen(int(toUInt(bytesAt(imageFile, 6, 2), false)),
+                       int(toUInt(bytesAt(imageFile, 8, 2), false)));
+    return reader.size().expandedTo(screen);
+}
+
+/** Whether the picture may be decoded, as far as its header says. */
+bool isBounded(const QImageReader& reader, const QByteArray& imageFile)
+{
+    const QSize size = decodedSize(reader, imageFile);
+    if (!size.isValid())
+        return false; // the pixel format of a damaged header may be anything
     const int bits = std::max<int>(minPixelBits, QImage::toPixelFormat(reader.imageFormat()).bitsPerPixel());
-    return size.isValid() && qint64(size.width()) * size.height() <= maxDecodedBytes * 8 / bits;
+    return qint64(size.width()) * size.height() <= maxDecodedBytes * 8 / bits;
 }
 
 } // namespace
@@ -45,7 +60,7 @@ QPixmap coverPicture(const QByteArray& imageFile)
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
-    if (!isPlain(reader.format()) || !isBounded(reader))
+    if (!isPlain(reader.format()) || !isBounded(reader, imageFile))
         return {};
     const QPixmap picture = QPixmap::fromImage(reader.read());
     if (picture.isNull())

@@ -221,6 +221,15 @@ private slots:
                              << id3v2(textFrame("TIT2", 3, "t") + textFrame("TPE1", 3, "a")
                                       + textFrame("TALB", 3, "b") + pictureFrame("image/jpeg", jpeg))
                              << true;
+        const QByteArray comments = vorbisComments({"TITLE=t", "ARTIST=a", "ALBUM=b"});
+        QTest::newRow("FLAC") << "x.flac"
+                              << flacStart() + flacBlock(Comment, comments)
+                + flacBlock(Picture, flacPicture("image/jpeg", jpeg), true)
+                              << true;
+        QTest::newRow("Ogg") << "x.ogg"
+                             << oggPage({oggIdentification() + QByteArray(50, '.')})
+                + oggPage({oggComment(comments)})
+                             << false;
     }
     void everyFormatReachesItsReader()
     {
