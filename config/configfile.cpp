@@ -5,34 +5,40 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QXmlStreamWriter>
 
-#include <memory>
-
 namespace {
 
-/** The largest list of a unit holds some thousand stations of a few hundred bytes; what lies beyond is not
- * read. */
-constexpr qint64 maxConfigBytes = 64 * 1024 * 1024;
+/** Twenty thousand stations fit in here; the reader holds up to three times as much while it works. */
+constexpr qint64 maxConfigBytes = 4 * 1024 * 1024;
 
 /** The encoding declaration stands in the first line of a file. */
 constexpr int declarationBytes = 256;
 
-QByteArray declaredEncoding(const QByteArray& bytes)
+/** Opening or reading a FIFO or a device may wait for ever, and replacing one by a file may harm the unit. */
+bool isSpecial(const QString& path)
 {
-    const QByteArray head = bytes.left(declarationBytes);
-    const auto end = head.indexOf("?>");
-    const auto key = head.indexOf("encoding");
-    if (!head.startsWith("<?xml") || key < 0 || key > end)
-        return {};
-    const QByteArray value = head.mid(key, end - key);
-    const char quote = value.contains('"') ? '"' : '\'';
-    return value.split(quote).value(1);
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile() && !info.isDir();
 }
 
-/** The toolkit's XML reader knows only the Unicode encodings; a file that declares another is decoded before
- * it. */
+QString notRegular()
+{
+    return QStringLiteral("Not a regular file");
+}
+
+QByteArray declaredEncoding(const QByteArray& bytes)
+{
+    static const QRegularExpression declaration(
+        QStringLiteral(R"(^<\?xml\s[^>]*\bencoding\s*=\s*["']([A-Za-z0-9._:-]+))"));
+    return declaration.match(QString::fromLatin1(bytes.left(declarationBytes))).captured(1).toLatin1();
+}
+
+/** The toolkit's XML reader knows only the Unicode encodings everywhere; a file that declares another is
+ * decoded before it gets there. */
 QTextCodec* foreignCodec(const QByteArray& bytes)
 {
     const QByteArray encoding = declaredEncoding(bytes).toUpper();
@@ -56,30 +62,53 @@ QByteArray toXml(const ConfigElements& elements)
     return buffer.data();
 }
 
+/** A full disk shows when the bytes are flushed; a flush that fails later, at the rename, is not noticed by
+ * the toolkit. */
+bool storeAll(QFileDevice& file, const QByteArray& bytes)
+{
+    return file.write(bytes) == bytes.size() && file.flush();
+}
+
 ConfigWrite storeFailed(const QString& path, const QFileDevice& file)
 {
     DPRINTF(4, "Config write [%s] %s", path.toUtf8().constData(), file.errorString().toUtf8().constData());
     return ConfigWrite::Failed;
 }
 
-/** A full disk shows when the bytes are flushed; what is written after that is not noticed by the toolkit. */
-bool storeAll(QFileDevice& file, const QByteArray& bytes)
+ConfigWrite notOpened(const QString& reason, QString* error)
 {
-    return file.write(bytes) == bytes.size() && file.flush() && file.error() == QFileDevice::NoError;
+    if (error)
+        *error = reason;
+    return ConfigWrite::NotOpened;
+}
+
+ConfigWrite writeInPlace(const QString& path, const QByteArray& bytes, QString* error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return notOpened(file.errorString(), error);
+    return storeAll(file, bytes) ? ConfigWrite::Written : storeFailed(path, file);
 }
 
 } // namespace
+
+QString openToRead(QFile& file, QIODevice::OpenMode mode)
+{
+    if (isSpecial(file.fileName()))
+        return notRegular();
+    return file.open(mode) ? QString() : file.errorString();
+}
 
 ConfigReader::ConfigReader(const QString& path)
     : m_path(path)
 {
     QFile file(path);
-    m_open = file.open(QIODevice::ReadOnly | QIODevice::Text);
-    if (!m_open) {
-        m_error = file.errorString();
+    m_error = openToRead(file, QIODevice::ReadOnly | QIODevice::Text);
+    if (!isOpen())
         return;
-    }
     const QByteArray bytes = file.read(maxConfigBytes);
+    if (!file.atEnd())
+        DPRINTF(4, "Config read [%s] is cut at %lld bytes", path.toUtf8().constData(), maxConfigBytes);
     if (QTextCodec* codec = foreignCodec(bytes))
         m_xml.addData(codec->toUnicode(bytes));
     else
@@ -88,7 +117,7 @@ ConfigReader::ConfigReader(const QString& path)
 
 void ConfigReader::readFlat(const FlatPattern& pattern, const FlatConsumer& consumer)
 {
-    while (!m_xml.atEnd()) {
+    while (!ended(m_xml)) {
         m_xml.readNext();
         if (m_xml.isStartElement() && m_xml.name() == QLatin1String("config"))
             readChildren(pattern, consumer);
@@ -102,8 +131,8 @@ void ConfigReader::readChildren(const FlatPattern& pattern, const FlatConsumer& 
         const QString name = m_xml.name().toString();
         if (m_xml.isEndElement() && name == pattern.endName)
             return;
-        const bool tag = m_xml.isStartElement() || (pattern.endTagsToo && m_xml.isEndElement());
-        const bool wanted = tag && pattern.names.contains(name);
+        const bool counts = pattern.byNameAlone || m_xml.isStartElement();
+        const bool wanted = counts && pattern.names.contains(name);
         m_xml.readNext();
         if (!wanted || !m_xml.isCharacters())
             continue;
@@ -112,9 +141,14 @@ void ConfigReader::readChildren(const FlatPattern& pattern, const FlatConsumer& 
     }
 }
 
-bool ConfigReader::endedEarly()
+bool ConfigReader::ended(const QXmlStreamReader& xml)
 {
-    if (!m_xml.atEnd())
+    return xml.tokenType() == QXmlStreamReader::EndDocument || xml.hasError();
+}
+
+bool ConfigReader::endedEarly() const
+{
+    if (!ended(m_xml))
         return false;
     const QString reason = m_xml.hasError() ? m_xml.errorString() : QStringLiteral("end of document");
     DPRINTF(4, "Config read [%s] ended early: %s", m_path.toUtf8().constData(), reason.toUtf8().constData());
@@ -123,17 +157,15 @@ bool ConfigReader::endedEarly()
 
 ConfigWrite writeConfig(const QString& path, const ConfigElements& elements, QString* error)
 {
+    if (isSpecial(path))
+        return notOpened(notRegular(), error);
     const QByteArray bytes = toXml(elements);
     QSaveFile aside(path);
     if (aside.open(QIODevice::WriteOnly)) {
-        if (!storeAll(aside, bytes) || !aside.commit())
+        if (!storeAll(aside, bytes))
             return storeFailed(path, aside);
-        return ConfigWrite::Written;
+        if (aside.commit())
+            return ConfigWrite::Written;
     }
-    QFile inPlace(path);
-    if (inPlace.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return storeAll(inPlace, bytes) ? ConfigWrite::Written : storeFailed(path, inPlace);
-    if (error)
-        *error = inPlace.errorString();
-    return ConfigWrite::NotOpened;
+    return writeInPlace(path, bytes, error);
 }

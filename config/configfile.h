@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIODevice>
 #include <QPair>
 #include <QString>
 #include <QStringList>
@@ -8,10 +9,18 @@
 
 #include <functional>
 
+class QFile;
+
 /**
  * The unit's configuration files: XML with a root element "config" and flat text elements below it. All of
  * them are read and written here, so that every screen treats a damaged file alike.
  */
+
+/**
+ * Opens a file of the unit for reading and returns the reason when that fails, nothing when it is open. Only
+ * regular files are opened: a FIFO or a device could hold the panel up.
+ */
+QString openToRead(QFile& file, QIODevice::OpenMode mode);
 
 /** How the elements of one kind of file are found below "config". */
 struct FlatPattern {
@@ -19,8 +28,8 @@ struct FlatPattern {
     QStringList names;
     /** The end tag that closes the list: "entry" in most files. */
     QString endName = QStringLiteral("entry");
-    /** Whether the text behind an end tag of a wanted name counts too, as it does for the chosen station. */
-    bool endTagsToo = false;
+    /** Whether any token of a wanted name counts, its end tag above all, and not the start tag alone. */
+    bool byNameAlone = false;
 };
 
 /** What a consumer says of a text that it was given. */
@@ -35,16 +44,15 @@ using FlatConsumer = std::function<Flat(const QString& name, const QString& text
 /**
  * One configuration file opened for reading.
  *
- * The whole file, up to a bound, is decoded on construction by the encoding that it declares (UTF-8 without
- * one).
+ * The whole file is read on construction, up to a bound (a line at level 4 says so when there is more), and
+ * decoded by the encoding that it declares, UTF-8 without one. Whatever the file holds, reading ends.
  */
 class ConfigReader {
 public:
     explicit ConfigReader(const QString& path);
 
-    /** Whether the file could be opened; if not, errorString() is the system's reason and the reader finds
-     * nothing. */
-    bool isOpen() const { return m_open; }
+    /** If not, errorString() is the reason and the reader finds nothing. */
+    bool isOpen() const { return m_error.isEmpty(); }
     QString errorString() const { return m_error; }
 
     /** The reader itself, for files with a structure of their own. */
@@ -57,14 +65,16 @@ public:
      */
     void readFlat(const FlatPattern& pattern, const FlatConsumer& consumer);
 
-    /** Whether nothing is left to read; says so at level 4. For loops that expect an end tag first. */
-    bool endedEarly();
+    /** Whether a reader stands behind its last token or at an error. */
+    static bool ended(const QXmlStreamReader& xml);
+
+    /** The same of this file, and says so at level 4. For loops that expect an end tag first. */
+    bool endedEarly() const;
 
 private:
     void readChildren(const FlatPattern& pattern, const FlatConsumer& consumer);
 
     QString m_path;
-    bool m_open = false;
     QString m_error;
     QXmlStreamReader m_xml;
 };
@@ -75,13 +85,16 @@ using ConfigElements = QVector<QPair<QString, QString>>;
 enum class ConfigWrite {
     Written,
     NotOpened, ///< the file could not be opened: nothing was changed
-    Failed, ///< the content could not be stored: the old file stays, and a line at level 4 says so
+    Failed, ///< the content could not be stored, and a line at level 4 says so
 };
 
 /**
  * Replaces a configuration file by a "config" with the given elements: UTF-8, one element a line, indented by
- * four blanks. The new content is written aside and renamed over the old one, so that a power cut leaves one
- * of them whole; where the folder takes no new file the old one is overwritten in place. `error` takes the
- * system's reason when the file cannot be opened.
+ * four blanks.
+ *
+ * The new content is written aside and renamed over the old file, so that a power cut or a full disk leaves
+ * one of the two whole; a link stays and its target is replaced. Where no file can be put beside the old one
+ * or renamed over it, the old one is overwritten in place. `error` takes the system's reason when the file
+ * cannot be opened.
  */
 ConfigWrite writeConfig(const QString& path, const ConfigElements& elements, QString* error = nullptr);
