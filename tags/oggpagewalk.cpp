@@ -3,6 +3,7 @@
 #include "app/dprintf.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -24,10 +25,7 @@ OggPageWalk::OggPageWalk(QIODevice& file, qint64 fileBytes, const VorbisCommentS
 
 bool OggPageWalk::run()
 {
-    const auto first = readPage();
-    if (first)
-        m_page = *first;
-    bool complete = first && readPackets();
+    bool complete = readPage(*m_page) && readPackets();
     while (!m_parents.empty()) {
         returnToParent();
         complete = readPackets();
@@ -36,27 +34,31 @@ bool OggPageWalk::run()
     return complete;
 }
 
-/** The page at the file's position; none, logged, where there is no page header. */
-std::optional<OggPageWalk::Page> OggPageWalk::readPage()
+/** Reads the page at the file's position; false, logged, where there is no page header. */
+bool OggPageWalk::readPage(Page& page)
 {
     const std::string_view header = m_file.take(headerBytes);
     if (m_fileBytes < minFileBytes) {
         DPRINTF(3, "[OGG] parser error");
-        return std::nullopt;
+        return false;
     }
     if (header.find(capturePattern) == std::string_view::npos) {
         DPRINTF(3, "[OGG] Not found OggS");
-        return std::nullopt;
+        return false;
     }
-    const std::size_t segments = header.size() < headerBytes ? 0 : (unsigned char)(header[segmentCountAt]);
-    Page page;
+    const std::size_t segments = header.size() < headerBytes ? 0 : quint8(header[segmentCountAt]);
     page.lacingAt = m_file.position();
-    const std::string_view lacing = m_file.take(segments);
-    std::copy(lacing.begin(), lacing.end(), page.lacing);
-    page.end = lacing.size();
-    while (page.end > 0 && page.lacing[page.end - 1] == continued) // the packet goes on in the next page
-        --page.end;
-    return page;
+    page.setLacing(m_file.take(segments));
+    return true;
+}
+
+void OggPageWalk::Page::setLacing(std::string_view values)
+{
+    std::copy(values.begin(), values.end(), lacing);
+    next = 0;
+    end = values.size();
+    while (end > 0 && lacing[end - 1] == continued) // the last packet goes on in the next page
+        --end;
 }
 
 /** The size of the next packet: the sum of values up to the first one that is not 255. */
@@ -73,7 +75,7 @@ std::optional<std::size_t> OggPageWalk::Page::takePacketSize()
 /** Reads on in the current page, which a nested page may replace; true when its last packet was there. */
 bool OggPageWalk::readPackets()
 {
-    while (const auto size = m_page.takePacketSize()) {
+    while (const auto size = m_page->takePacketSize()) {
         const std::string_view packet = m_file.take(*size);
         if (packet.empty()) {
             DPRINTF(3, "[OGG] PacketSize error");
@@ -98,24 +100,24 @@ bool OggPageWalk::readComments(std::string_view packet, std::size_t marker)
  * waits: its result counts. */
 void OggPageWalk::enterNextPage()
 {
-    const auto nested = readPage();
-    if (!nested)
+    if (!readPage(*m_next))
         return;
-    if (m_page.hasPackets() || m_parents.empty())
-        m_parents.push(quint64(m_page.lacingAt + qint64(m_page.next)) << 8 | (m_page.end - m_page.next));
-    m_page = *nested;
+    if (m_page->hasPackets() || m_parents.empty())
+        m_parents.push(quint64(m_page->lacingAt + qint64(m_page->next)) << 8 | (m_page->end - m_page->next));
+    std::swap(m_page, m_next);
 }
 
 /** Takes the innermost waiting page up again. Its lacing is read once more, unless the file has come to its
  * end where every packet is found missing, whatever its size. */
 void OggPageWalk::returnToParent()
 {
-    m_page = Page();
-    m_page.lacingAt = qint64(m_parents.top() >> 8);
-    m_page.end = std::size_t(m_parents.top() & 0xFF);
+    m_page->lacingAt = qint64(m_parents.top() >> 8);
+    m_page->next = 0;
+    m_page->end = std::size_t(m_parents.top() & 0xFF);
     m_parents.pop();
+    std::fill_n(m_page->lacing, m_page->end, 0);
     if (m_file.isAtEnd())
         return;
-    const std::string_view lacing = m_file.reread(m_page.lacingAt, m_page.end);
-    std::copy(lacing.begin(), lacing.end(), m_page.lacing);
+    const std::string_view lacing = m_file.reread(m_page->lacingAt, m_page->end);
+    std::copy(lacing.begin(), lacing.end(), m_page->lacing);
 }

@@ -30,13 +30,14 @@ private:
         qint64 lacingAt = 0; // file position of the first value
         std::size_t next = 0;
         std::size_t end = 0;
-        unsigned char lacing[maxSegments] = {};
+        unsigned char lacing[maxSegments];
 
+        void setLacing(std::string_view values);
         bool hasPackets() const { return next < end; }
         std::optional<std::size_t> takePacketSize();
     };
 
-    std::optional<Page> readPage();
+    bool readPage(Page& page);
     bool readPackets();
     bool readComments(std::string_view packet, std::size_t marker);
     void enterNextPage();
@@ -45,7 +46,9 @@ private:
     ReadWindow m_file;
     qint64 m_fileBytes;
     VorbisCommentSink m_sink;
-    Page m_page;
-    std::stack<quint64>
-        m_parents; // lacing position in all but the low byte, number of values in the low byte
+    Page m_pages[2];
+    Page* m_page = &m_pages[0]; // the current one
+    Page* m_next = &m_pages[1];
+    /** Of each waiting page: the file position of its lacing, and in the low byte the number of values. */
+    std::stack<quint64> m_parents;
 };

@@ -25,8 +25,10 @@ constexpr Marker markers[] = {
 };
 static_assert(std::size(markers) == QTagParser::Unknown, "one row a known format");
 
+using ReadTags = void (QTagParser::*)();
+
 /** One row a format that has a reader, in the order of FileFormat. */
-constexpr void (QTagParser::*readers[])() = {
+constexpr ReadTags readers[] = {
     &QTagParser::ID3parser,
     &QTagParser::FLACparser,
     &QTagParser::OGGparser,
@@ -81,10 +83,12 @@ void QTagParser::TagParsing()
 
 void QTagParser::parse(int format)
 {
-    if (format < int(std::size(readers)))
-        (this->*readers[format])();
-    else
+    if (format >= int(std::size(readers))) {
         useFileNameAsTitle();
+        return;
+    }
+    const ReadTags read = readers[format];
+    (this->*read)();
 }
 
 void QTagParser::useFileNameAsTitle()
