@@ -62,6 +62,13 @@ inline QImage resource(const char* path)
     return pixmap.toImage();
 }
 
+inline bool hasPanelFont(const QWidget& screen, const char* name)
+{
+    const QFont font = widget(screen, QString::fromLatin1(name))->font();
+    return font.family() == QLatin1String("Unifont") && font.pointSize() == 12
+        && font.weight() == QFont::Normal && !font.italic();
+}
+
 /** Whether `upper` is drawn over `lower`. */
 inline bool lies(const QWidget& screen, const char* upper, const char* lower)
 {

@@ -1,5 +1,4 @@
 #include "screens/aoeform.h"
-#include "screens/panelfont.h"
 #include "tests/screens/screenrows.h"
 #include "tests/support/logcatcher.h"
 #include "tests/support/panelmain.h"
@@ -90,7 +89,7 @@ private slots:
     {
         AOEForm screen;
         for (const char* name : {"lb_aoe_ip", "lb_aoe_sample_rate", "lb_POPUP"}) {
-            QCOMPARE(Screen::label(screen, name)->font(), panelFont(12));
+            QVERIFY2(Screen::hasPanelFont(screen, name), name);
             QCOMPARE(Screen::label(screen, name)->textFormat(), Qt::PlainText);
         }
     }

@@ -3,11 +3,14 @@
 #include <QApplication>
 #include <QtTest>
 
-/** Runs a test class in an application set up as the panel's own: 96 dots an inch, whatever the display says.
+/**
+ * Runs a test class in an application set up as the panel's own: 96 dots an inch, whatever the display says.
+ * Version 5 of the toolkit heeds only the environment variable for the fonts of widgets.
  */
 #define VIREO_TEST_MAIN(TestClass)                                                                           \
     int main(int argc, char** argv)                                                                          \
     {                                                                                                        \
+        qputenv("QT_FONT_DPI", "96");                                                                        \
         QCoreApplication::setAttribute(Qt::AA_Use96Dpi);                                                     \
         QApplication application(argc, argv);                                                                \
         TestClass test;                                                                                      \
