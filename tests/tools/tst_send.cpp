@@ -122,6 +122,8 @@ private slots:
         row("--port 65536 send key esc", "--port: \"65536\" is not a number from 1 to 65535");
         row("--port", "--port: \"\" is not a number from 1 to 65535");
         row("--host", "--host needs a name or an address");
+        row("--music /no/such", "--music: no music below \"/no/such\"");
+        row("--music /proc/self/task", "--music: no music below \"/proc/self/task\"");
         row("script", "script needs one file name, or - for standard input");
         row("script a b", "script needs one file name, or - for standard input");
     }

@@ -380,6 +380,16 @@ private slots:
         QVERIFY(stage.hears({fileLine("evening/quiet-hall.ogg"), QStringLiteral("time 0:00:00")}));
     }
 
+    void diskFromTheStart()
+    {
+        Stage stage;
+        stage.window.openMusic(QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/music"));
+        QVERIFY(stage.isUp());
+        QVERIFY(stage.hears(diskLines()));
+        QCOMPARE(stage.child<QPlainTextEdit>("log")->toPlainText(), diskLines().join(QLatin1Char('\n')));
+        QCOMPARE(stage.child<QListWidget>("tracks")->count(), 3);
+    }
+
     void folderWithoutMusicIsNoDisk()
     {
         Stage stage;

@@ -1,7 +1,10 @@
 #include "tools/supervisor/commandline.h"
 
+#include "tools/supervisor/musicfolder.h"
 #include "tools/supervisor/panelsession.h"
 #include "tools/supervisor/words.h"
+
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -28,6 +31,13 @@ QString takePort(const QString& value, CommandLine& into)
                           : QString();
 }
 
+QString takeMusic(const QString& value, CommandLine& into)
+{
+    into.music = value;
+    const bool found = QFileInfo(value).isDir() && !musicBelow(value).isEmpty();
+    return found ? QString() : QStringLiteral("--music: no music below \"%1\"").arg(value);
+}
+
 QString takeHelp(const QString&, CommandLine& into)
 {
     into.run = CommandLine::Run::Help;
@@ -37,6 +47,7 @@ QString takeHelp(const QString&, CommandLine& into)
 constexpr Option options[] = {
     {"--host", "HOST", "where the panel runs (127.0.0.1)", takeHost},
     {"--port", "PORT", "the panel's TCP port (5000)", takePort},
+    {"--music", "FOLDER", "music for the window's disk", takeMusic},
     {"--help", "", "prints this text", takeHelp},
     {"-h", "", "prints this text", takeHelp},
 };

@@ -10,6 +10,7 @@ struct CommandLine {
     Run run = Run::Window;
     QString host = QStringLiteral("127.0.0.1");
     quint16 port = 5000;
+    QString music; ///< Window: a folder of music to begin with
     QStringList words; ///< Send: the words of the packet; Script: the one file name
     QString error; ///< one line; empty when the arguments were understood
 

@@ -25,6 +25,8 @@ int runWindow(int& argc, char** argv, const CommandLine& commandLine)
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vireo supervisor"));
     SupervisorWindow window(commandLine.host, commandLine.port);
+    if (!commandLine.music.isEmpty())
+        window.openMusic(commandLine.music);
     window.show();
     return QApplication::exec();
 }

@@ -17,7 +17,6 @@ class MusicPanel : public QWidget {
 public:
     explicit MusicPanel(PlayerModel& player, QWidget* parent = nullptr);
 
-public slots:
     /** Takes the music below a folder as the disk. */
     void open(const QString& folder);
 

@@ -67,6 +67,14 @@ SupervisorWindow::SupervisorWindow(const QString& host, quint16 port, QWidget* p
     m_front->setFocus();
 }
 
+void SupervisorWindow::openMusic(const QString& folder)
+{
+    const QSignalBlocker quietFront(m_front);
+    const QSignalBlocker quietMusic(m_music);
+    m_front->switchSource(QStringLiteral("usb"), true);
+    m_music->open(folder);
+}
+
 QWidget* SupervisorWindow::createTabs()
 {
     m_music = new MusicPanel(m_player);
@@ -119,6 +127,7 @@ void SupervisorWindow::createStatusBar()
     auto* connectButton = new QPushButton(tr("Connect no&w"));
     connectButton->setObjectName(QStringLiteral("connect"));
     connect(connectButton, &QPushButton::clicked, &m_link, &PanelLink::connectNow);
+    statusBar()->setContentsMargins(8, 0, 0, 0);
     statusBar()->addWidget(m_linkState, 1);
     statusBar()->addPermanentWidget(m_mode);
     statusBar()->addPermanentWidget(connectButton);

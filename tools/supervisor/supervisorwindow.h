@@ -23,6 +23,9 @@ class SupervisorWindow : public QMainWindow {
 public:
     SupervisorWindow(const QString& host, quint16 port, QWidget* parent = nullptr);
 
+    /** Begins with a disk in the unit, of which the panel hears when the link is made. */
+    void openMusic(const QString& folder);
+
 private:
     QWidget* createTabs();
     QWidget* createLog();
