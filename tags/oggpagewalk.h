@@ -24,6 +24,7 @@ public:
 
 private:
     static constexpr std::size_t maxSegments = 255;
+    static_assert(maxSegments * 255 <= ReadWindow::maxBytes, "the largest packet of a page is taken at once");
 
     /** The packets of a page that are still to be read, as lacing values. */
     struct Page {

@@ -4,6 +4,7 @@
 #include "tests/tags/mediabuilder.h"
 #include "tests/tags/mediafolder.h"
 #include "tests/tags/naivereader.h"
+#include "tests/tags/peakmemory.h"
 
 using namespace MediaBuilder;
 
@@ -59,21 +60,6 @@ QByteArray firstPage()
 QByteArray nestedPages(int pages, const QList<int>& sizes)
 {
     return (oggHeader(lacing(sizes)) + '.').repeated(pages);
-}
-
-/** Bytes of memory that the process has held at most since the last call. */
-qint64 takePeakMemory()
-{
-    const QList<QByteArray> lines = UnitRoot::read(QStringLiteral("/proc/self/status")).split('\n');
-    qint64 peak = -1;
-    for (const QByteArray& line : lines) {
-        if (line.startsWith("VmHWM:"))
-            peak = line.mid(6).simplified().split(' ').first().toLongLong() * 1024;
-    }
-    QFile reset(QStringLiteral("/proc/self/clear_refs"));
-    if (!reset.open(QIODevice::WriteOnly) || reset.write("5") != 1)
-        qFatal("the peak of the memory in use cannot be reset");
-    return peak;
 }
 
 } // namespace
@@ -373,10 +359,10 @@ private slots:
             written += file.write(pages);
         file.close();
         LogCatcher log(5);
-        takePeakMemory();
-        const qint64 before = takePeakMemory();
+        PeakMemory::reset();
+        const qint64 before = PeakMemory::used();
         const QOggParser reader(file.fileName(), nullptr);
-        const qint64 grown = takePeakMemory() - before;
+        const qint64 grown = PeakMemory::used() - before;
         QVERIFY2(grown < 4000000, QByteArray::number(grown)); // a word for each page would be 16 million
     }
 
