@@ -43,5 +43,5 @@ private:
     std::unique_ptr<Ui::AOEForm> m_form;
     QString m_ipAddress;
     QString m_sampleRate;
-    [[maybe_unused]] int m_spare = 0;
+    [[maybe_unused]] int m_spare = 0; // nothing uses it
 };

@@ -21,14 +21,17 @@ void PlainLabel::paintEvent(QPaintEvent* event)
 
 void PlainLabel::drawAs(const QString& text)
 {
+    const bool leftToRight = !text.isRightToLeft();
     const QFontMetrics metrics = fontMetrics();
     QRect box = contentsRect();
-    Qt::Alignment alignment = this->alignment();
-    if ((alignment & Qt::AlignVCenter) && metrics.size(0, text).height() > box.height()) {
+    Qt::Alignment place =
+        QStyle::visualAlignment(leftToRight ? Qt::LeftToRight : Qt::RightToLeft, alignment());
+    if (place.testFlag(Qt::AlignVCenter) && metrics.size(0, text).height() > box.height()) {
         box.setTop(box.top() + (box.height() - metrics.height()) / 2);
-        alignment ^= Qt::AlignVCenter | Qt::AlignTop;
+        place.setFlag(Qt::AlignVCenter, false).setFlag(Qt::AlignTop);
     }
+    const int flags = int(place) | (leftToRight ? Qt::TextForceLeftToRight : Qt::TextForceRightToLeft);
     QPainter painter(this);
     drawFrame(&painter);
-    style()->drawItemText(&painter, box, int(alignment), palette(), isEnabled(), text, foregroundRole());
+    style()->drawItemText(&painter, box, flags, palette(), isEnabled(), text, foregroundRole());
 }

@@ -62,13 +62,23 @@ private slots:
                  "two are centred");
     }
 
+    void controlCharactersDrawNothing_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<Qt::Alignment>("alignment");
+        const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
+        QTest::newRow("left") << QStringLiteral("Title") << left;
+        QTest::newRow("centred") << QStringLiteral("Title") << Qt::Alignment(Qt::AlignCenter);
+        QTest::newRow("written from the right") << QStringLiteral("שלום (a)") << left;
+        QTest::newRow("two lines") << QStringLiteral("one\ntwo") << left;
+        QTest::newRow("five lines") << QStringLiteral("1\n2\n3\n4\n5") << left;
+    }
     void controlCharactersDrawNothing()
     {
-        const QString text = QStringLiteral("Title") + QChar(0);
-        for (const Qt::Alignment alignment :
-             {Qt::AlignLeft | Qt::AlignVCenter, Qt::Alignment(Qt::AlignCenter)})
-            QCOMPARE(picture(text, alignment), picture(QStringLiteral("Title"), alignment));
-        QVERIFY(picture(QStringLiteral("Title")) != picture(QString()));
+        QFETCH(QString, text);
+        QFETCH(Qt::Alignment, alignment);
+        QCOMPARE(picture(text + QChar(0), alignment), picture(text, alignment));
+        QVERIFY(picture(text) != picture(QString()));
     }
 
     void theTextItselfStays()
