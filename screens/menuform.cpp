@@ -1,0 +1,96 @@
+#include "screens/menuform.h"
+
+#include "app/dprintf.h"
+#include "ui_menuform.h"
+
+#include <QImage>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+struct MenuEntry {
+    MENUIDX index;
+    const char* icon;
+    void (MenuForm::*chosen)();
+};
+
+constexpr MenuEntry entries[] = {
+    {MENUIDX_USB, ":/menuicon/image/usb_icon.png", &MenuForm::sgUSBMode},
+    {MENUIDX_AOE, ":/menuicon/image/aoe_icon.png", &MenuForm::sgAOEMode},
+    {MENUIDX_IR, ":/menuicon/image/IR_icon.png", &MenuForm::sgIRMode},
+    {MENUIDX_NetBGM, ":/menuicon/image/Net_BGM.png", &MenuForm::sgNetBGMMode},
+    {MENUIDX_Setup, ":/menuicon/image/setup_icon.png", &MenuForm::sgSetupMode},
+};
+static_assert(std::size(entries) == MENUIDX_Setup + 1, "one row an entry");
+
+constexpr QSize screenSize(320, 240);
+constexpr QSize slideSize(100, 100);
+
+} // namespace
+
+MenuForm::MenuForm(QWidget* parent)
+    : QWidget(parent)
+    , m_form(std::make_unique<Ui::MenuForm>())
+{
+    m_form->setupUi(this);
+    m_form->wgFlow->resize(screenSize);
+    m_form->wgFlow->setSlideSize(slideSize);
+    addSlides();
+    m_form->wgFlow->setReflectionEffect(PictureFlow::SoftReflection);
+    m_form->wgFlow->setCenterIndex(MENUIDX_USB);
+    m_form->wgFlow->focusIndex = MENUIDX_USB;
+    m_form->wgFlow->setBackgroundColor(Qt::black);
+}
+
+MenuForm::~MenuForm() = default;
+
+/** An icon that does not load is passed over, which moves the entries behind it. */
+void MenuForm::addSlides()
+{
+    for (const MenuEntry& entry : entries) {
+        QImage image;
+        if (image.load(QLatin1String(entry.icon)))
+            m_form->wgFlow->addSlide(image);
+    }
+}
+
+void MenuForm::setCurrentIdx(MENUIDX index)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->wgFlow->setCenterIndex(index);
+    m_form->wgFlow->focusIndex = index;
+}
+
+void MenuForm::setPrevMode(MENUIDX index)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_prevMode = index;
+}
+
+void MenuForm::prev_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->wgFlow->showPrevious();
+}
+
+void MenuForm::next_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_form->wgFlow->showNext();
+}
+
+void MenuForm::select_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    const int chosen = std::clamp(m_form->wgFlow->GetFocusIndex(), int(MENUIDX_USB), int(MENUIDX_Setup));
+    (this->*entries[chosen].chosen)();
+}
+
+void MenuForm::esc_action()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    if (m_prevMode >= MENUIDX_USB && m_prevMode <= MENUIDX_Setup)
+        (this->*entries[m_prevMode].chosen)();
+}
