@@ -1,4 +1,70 @@
-int main()
+#include "app/dprintf.h"
+#include "app/qtcompat.h"
+#include "mainwindow/mainwindow.h"
+
+#include <QApplication>
+#include <QTextCodec>
+#include <QtDebug>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+
+namespace {
+
+constexpr int errorsOnly = 4;
+constexpr int silence = 5;
+
+/** The print threshold of the command line: a decimal number; text counts as 0, which prints everything. */
+int thresholdFrom(int argc, char** argv)
 {
-    return 0;
+    if (argc == 1)
+        return errorsOnly;
+    return int(std::clamp(std::strtol(argv[1], nullptr, 10), long(INT_MIN), long(silence)));
+}
+
+/** One message of three items, each followed by one blank. */
+void printBanner()
+{
+    qDebug().nospace() << "**********************************\n"
+                       << " "
+                       << "vireo 1.0.1.6.1 Ticker updated\n"
+                       << " "
+                       << "**********************************"
+                       << " ";
+}
+
+void announceThreshold()
+{
+    DPRINTF(4, "Will be print 'ERROR MSG'");
+    DPRINTF(3, "Will be print 'WARNING MSG'");
+    DPRINTF(2, "Will be print 'INFO MSG'");
+    DPRINTF(1, "Will be print 'VERBOSE MSG'");
+    DPRINTF(0, "Will be print 'DUMP MSG'");
+}
+
+void reportKoreanFonts()
+{
+    for (const QString& family : QtCompat::koreanFontFamilies())
+        DPRINTF(2, "%s", family.toUtf8().constData());
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // The unit's screen is 320x240 device pixels and a font point the same pixels everywhere.
+    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+    qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+    QApplication application(argc, argv);
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+
+    debugLevel = thresholdFrom(argc, argv);
+    printBanner();
+    announceThreshold();
+    reportKoreanFonts();
+
+    MainWindow window;
+    window.setVisible(true);
+    return QApplication::exec();
 }

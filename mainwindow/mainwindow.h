@@ -1,0 +1,156 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QMainWindow>
+#include <QQueue>
+#include <QString>
+
+#include <array>
+
+class PAparser;
+class QAbstractState;
+class QMP3Parser;
+class QState;
+class QStateMachine;
+class QTagParser;
+class tcp_server;
+
+namespace Ui {
+class MainWindow;
+}
+
+/** What the display answers when the supervisor asks for its mode. */
+enum class ModeCode : quint8 {
+    Menu = 0,
+    Usb = 1,
+    Aoe = 2,
+    IRList = 3,
+    IRMain = 4,
+    NetBgm = 5,
+    Setup = 6,
+    DhcpOpened = 7, ///< the DHCP choice of the setup screen is open
+    None = 255, ///< no mode was entered yet
+};
+
+/** The states of the mode machine, in the order of their table. */
+enum class ModeState {
+    NormalModes,
+    StartState,
+    AOEMode,
+    SetMode,
+    USBMode,
+    NetBGMMode,
+    IRMode,
+    IRList,
+    IRMain,
+    ModeHistory,
+    MenuMode,
+};
+constexpr std::size_t modeStates = std::size_t(ModeState::MenuMode) + 1;
+
+/**
+ * The one top-level window, 320x240 pixels: owns the link, the parsers, every screen and the mode machine,
+ * and is the only place that wires them. Everything happens synchronously while the bytes of the supervisor
+ * are read.
+ *
+ * Construction and permanent wiring are in mainwindow.cpp, the receive queue and the mode report in
+ * mainwindow_receive.cpp, the mode machine in mainwindow_modes.cpp.
+ */
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /**
+     * Looks at the header at the front of the receive queue. Returns the bytes of the packet there, header
+     * included, or 0 when there is none; then one byte is to be dropped. A packet that lacks up to its last
+     * four bytes counts.
+     */
+    int checkupPacket();
+
+signals:
+    /** The receive queue has new or remaining bytes. */
+    void sgBuffStacked();
+    void sgRecvQueueEn(); ///< never
+
+public slots:
+    void USBModeEntered();
+    void USBModeExited();
+    void AOEModeEntered();
+    void AOEModeExited();
+    void IRModeEntered();
+    void IRModeExited();
+    void IRMainEntered();
+    void IRMainExited();
+    void IRListEntered();
+    void IRListExited();
+    void SetModeEntered();
+    void SetModeExited();
+    void NetBGMModeEntered();
+    void NetBGMModeExited();
+    void MenuModeEntered();
+    void MenuModeExited();
+    /** Restarts the unit's network and waits for it, 30 s at most; nothing is drawn or received meanwhile. */
+    void LoadingModeEntered();
+    void LoadingModeExited();
+    void DhcpOpened();
+    void DhcpClosed();
+    void UpgradeStart();
+    void UpgradeFail();
+    void SetUpgradeMSG(QString text);
+    /** Sends the current mode's code to the supervisor. */
+    void ResponseCurrentMode();
+    void setIRUrl(QString url);
+    void setIRTitle(QString title);
+    /** Appends received bytes to the queue and handles every packet that is complete. */
+    void stackBuff(QByteArray chunk);
+    /** Takes one packet, or one byte of junk, off the front of the receive queue. */
+    void parsingfromSupervisor();
+
+private:
+    void createLink();
+    void createForm();
+    void createParsers();
+    void hideAllButLogo();
+    void connectLink();
+    void connectPlayer();
+    void connectTagsAndUpgrade();
+
+    void CreateStatemachine();
+    void createStates();
+    void addTransitions();
+    void forgetStartState();
+    void connectStateSlots();
+    QState* state(ModeState id) const;
+
+    /** Records the last playback source; true when the file was written. */
+    bool XmlWriteOpermode(QString type);
+    void connectSetupInput();
+    void dropInput();
+    void consumeFront();
+
+    Ui::MainWindow* ui;
+    tcp_server* m_server = nullptr;
+    PAparser* m_parser = nullptr;
+    QQueue<QByteArray> m_sparePackets;
+    QByteArray m_received;
+    QByteArray m_spareBytes;
+    QMP3Parser* m_mp3Parser = nullptr;
+    QTagParser* m_tagParser = nullptr;
+    QStateMachine* m_machine = nullptr;
+    std::array<QAbstractState*, modeStates> m_states = {};
+    QString m_irTitle;
+    QString m_irUrl;
+    ModeCode m_mode = ModeCode::None;
+
+    /** The connections of the encoder and the keys to the screen that shows; they live as long as its mode.
+     */
+    QList<QMetaObject::Connection> m_input;
+    /** Bytes at the front of the receive queue that are consumed already. */
+    int m_consumed = 0;
+    bool m_draining = false;
+    bool m_moreToDrain = false;
+};

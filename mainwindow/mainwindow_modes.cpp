@@ -1,0 +1,443 @@
+#include "app/dprintf.h"
+#include "config/configfile.h"
+#include "config/unitpaths.h"
+#include "mainwindow/mainwindow.h"
+#include "protocol/paparser.h"
+#include "ui_mainwindow.h"
+
+#include <QHistoryState>
+#include <QProcess>
+#include <QSignalTransition>
+#include <QState>
+#include <QStateMachine>
+
+#include <iterator>
+#include <variant>
+
+/** The mode machine: which mode follows which event, and what entering and leaving each mode does. */
+
+namespace {
+
+/** The longest that the panel waits for the network to restart, milliseconds. */
+constexpr int networkRestartMs = 30000;
+
+using Signal = std::variant<void (PAparser::*)(), void (MenuForm::*)(), void (RadioListForm::*)()>;
+
+struct TransitionRow {
+    ModeState from;
+    Signal signal;
+    ModeState to;
+};
+
+/**
+ * Two of these signals, sgDEVICE_Set_Enter and sgDEVICE_NetBGM_Enter, are carried by no packet: setup and
+ * NetBGM are reached through the menu alone. While the menu shows, the NetBGM source changes nothing; from
+ * the station list the menu cannot be opened; no state minds that a source goes away.
+ */
+constexpr TransitionRow transitions[] = {
+    {ModeState::MenuMode, &PAparser::sgKEY_ESC, ModeState::ModeHistory},
+    {ModeState::StartState, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
+    {ModeState::StartState, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
+    {ModeState::StartState, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
+    {ModeState::StartState, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
+    {ModeState::StartState, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
+    {ModeState::StartState, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
+    {ModeState::IRMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
+    {ModeState::IRMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
+    {ModeState::IRMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
+    {ModeState::IRMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
+    {ModeState::IRList, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
+    {ModeState::IRList, &PAparser::sgKEY_ESC, ModeState::IRMain},
+    {ModeState::IRList, &RadioListForm::sgSetMain, ModeState::IRMain},
+    {ModeState::IRMain, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
+    {ModeState::IRMain, &PAparser::sgKEY_SELECT, ModeState::IRList},
+    {ModeState::USBMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
+    {ModeState::USBMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
+    {ModeState::USBMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
+    {ModeState::USBMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
+    {ModeState::USBMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
+    {ModeState::AOEMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
+    {ModeState::AOEMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
+    {ModeState::AOEMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
+    {ModeState::AOEMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
+    {ModeState::AOEMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
+    {ModeState::SetMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
+    {ModeState::SetMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
+    {ModeState::SetMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
+    {ModeState::SetMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
+    {ModeState::SetMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
+    {ModeState::NetBGMMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
+    {ModeState::NetBGMMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
+    {ModeState::NetBGMMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
+    {ModeState::NetBGMMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
+    {ModeState::NetBGMMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
+    {ModeState::MenuMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
+    {ModeState::MenuMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
+    {ModeState::MenuMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
+    {ModeState::MenuMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
+    {ModeState::MenuMode, &MenuForm::sgUSBMode, ModeState::USBMode},
+    {ModeState::MenuMode, &MenuForm::sgAOEMode, ModeState::AOEMode},
+    {ModeState::MenuMode, &MenuForm::sgIRMode, ModeState::IRMode},
+    {ModeState::MenuMode, &MenuForm::sgSetupMode, ModeState::SetMode},
+    {ModeState::MenuMode, &MenuForm::sgNetBGMMode, ModeState::NetBGMMode},
+};
+static_assert(std::size(transitions) == 45, "every transition of the mode machine");
+
+using Slot = void (MainWindow::*)();
+
+struct StateSlotsRow {
+    ModeState state;
+    Slot entered;
+    Slot exited;
+};
+
+constexpr StateSlotsRow stateSlots[] = {
+    {ModeState::IRMode, &MainWindow::IRModeEntered, &MainWindow::IRModeExited},
+    {ModeState::IRList, &MainWindow::IRListEntered, &MainWindow::IRListExited},
+    {ModeState::IRMain, &MainWindow::IRMainEntered, &MainWindow::IRMainExited},
+    {ModeState::USBMode, &MainWindow::USBModeEntered, &MainWindow::USBModeExited},
+    {ModeState::AOEMode, &MainWindow::AOEModeEntered, &MainWindow::AOEModeExited},
+    {ModeState::MenuMode, &MainWindow::MenuModeEntered, &MainWindow::MenuModeExited},
+    {ModeState::SetMode, &MainWindow::SetModeEntered, &MainWindow::SetModeExited},
+    {ModeState::NetBGMMode, &MainWindow::NetBGMModeEntered, &MainWindow::NetBGMModeExited},
+};
+
+/** The states by name, as an object inspector shows them, with the state that each lies in; the machine holds
+ * itself. */
+struct StateRow {
+    const char* name;
+    ModeState parent;
+};
+
+constexpr StateRow states[] = {
+    {"NormalModes", ModeState::NormalModes}, // in the machine
+    {"StartState", ModeState::NormalModes},
+    {"AOEMode", ModeState::NormalModes},
+    {"SetMode", ModeState::NormalModes},
+    {"USBMode", ModeState::NormalModes},
+    {"NetBGMMode", ModeState::NormalModes},
+    {"IRMode", ModeState::NormalModes},
+    {"IRList", ModeState::IRMode},
+    {"IRMain", ModeState::IRMode},
+    {"ModeHistory", ModeState::NormalModes},
+    {"MenuMode", ModeState::MenuMode}, // in the machine: leaving it is what the history is for
+};
+static_assert(std::size(states) == modeStates, "one row a state");
+
+} // namespace
+
+void MainWindow::CreateStatemachine()
+{
+    createStates();
+    addTransitions();
+    connect(m_parser, &PAparser::sgAOE_STAT_STOP, ui->wg_AOE, &AOEForm::showStop);
+    connectStateSlots();
+    m_machine->start();
+}
+
+QState* MainWindow::state(ModeState id) const
+{
+    return static_cast<QState*>(m_states[std::size_t(id)]);
+}
+
+void MainWindow::createStates()
+{
+    m_machine = new QStateMachine(this);
+    m_machine->setObjectName(QStringLiteral("ModeMachine"));
+    for (std::size_t i = 0; i < modeStates; ++i) {
+        const auto id = ModeState(i);
+        QState* const parent = states[i].parent == id ? m_machine : state(states[i].parent);
+        if (id == ModeState::ModeHistory)
+            m_states[i] = new QHistoryState(QHistoryState::ShallowHistory, parent);
+        else
+            m_states[i] = new QState(parent);
+        m_states[i]->setObjectName(QString::fromLatin1(states[i].name));
+    }
+    m_machine->setInitialState(state(ModeState::NormalModes));
+    state(ModeState::NormalModes)->setInitialState(state(ModeState::StartState));
+    state(ModeState::IRMode)->setInitialState(state(ModeState::IRMain));
+    auto* const history = static_cast<QHistoryState*>(m_states[std::size_t(ModeState::ModeHistory)]);
+    history->setDefaultState(state(ModeState::SetMode));
+}
+
+void MainWindow::addTransitions()
+{
+    struct Add {
+        QState* from;
+        QAbstractState* to;
+        MainWindow* window;
+
+        void operator()(void (PAparser::*signal)()) const
+        {
+            from->addTransition(window->m_parser, signal, to);
+        }
+        void operator()(void (MenuForm::*signal)()) const
+        {
+            from->addTransition(window->ui->wg_Menu, signal, to);
+        }
+        void operator()(void (RadioListForm::*signal)()) const
+        {
+            from->addTransition(window->ui->wg_IRList, signal, to);
+        }
+    };
+    for (const TransitionRow& row : transitions)
+        std::visit(Add{state(row.from), m_states[std::size_t(row.to)], this}, row.signal);
+    forgetStartState();
+}
+
+/**
+ * A history remembers the start state like any other, but nothing was shown there to return to: escape from a
+ * menu opened in the start state goes to the history's default instead.
+ */
+void MainWindow::forgetStartState()
+{
+    QState* const menu = state(ModeState::MenuMode);
+    QAbstractTransition* const escape = menu->transitions().constFirst();
+    QAbstractTransition* const openMenu = state(ModeState::StartState)->transitions().constLast();
+    QAbstractState* const history = m_states[std::size_t(ModeState::ModeHistory)];
+    QState* const setup = state(ModeState::SetMode);
+    connect(openMenu, &QAbstractTransition::triggered, escape, [=] { escape->setTargetState(setup); });
+    connect(menu, &QState::exited, escape, [=] { escape->setTargetState(history); });
+}
+
+void MainWindow::connectStateSlots()
+{
+    for (const StateSlotsRow& row : stateSlots) {
+        connect(state(row.state), &QState::entered, this, row.entered);
+        connect(state(row.state), &QState::exited, this, row.exited);
+    }
+}
+
+void MainWindow::dropInput()
+{
+    for (const QMetaObject::Connection& connection : std::exchange(m_input, {}))
+        disconnect(connection);
+}
+
+bool MainWindow::XmlWriteOpermode(QString type)
+{
+    QString error;
+    const ConfigWrite result =
+        writeConfig(unitPath(UnitPath::OperMode), {{QStringLiteral("type"), type}}, &error);
+    if (result == ConfigWrite::NotOpened)
+        DPRINTF(4, "%s", error.toUtf8().constData());
+    return result == ConfigWrite::Written;
+}
+
+void MainWindow::USBModeEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_mode = ModeCode::Usb;
+    XmlWriteOpermode(QStringLiteral("usb"));
+    ui->wg_USB->show();
+    ui->wg_USB->initLevel();
+    ui->wg_Menu->setCurrentIdx(MENUIDX_USB);
+    ui->wg_AOE->showStop();
+    m_input = {
+        connect(m_parser, &PAparser::sgPlayTime, ui->wg_USB, &mp3_lcd::showTime),
+        connect(m_parser, &PAparser::sgMasterLevel, ui->wg_USB, &mp3_lcd::showLevel),
+        connect(m_parser, &PAparser::sgKEY_NEXT, ui->wg_USB, &mp3_lcd::next_action),
+        connect(m_parser, &PAparser::sgKEY_PREV, ui->wg_USB, &mp3_lcd::prev_action),
+    };
+}
+
+void MainWindow::USBModeExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_USB->hide();
+    ui->wg_Menu->setPrevMode(MENUIDX_USB);
+    dropInput();
+    ui->wg_USB->showTime(QStringLiteral("00:00:00"));
+}
+
+void MainWindow::AOEModeEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_mode = ModeCode::Aoe;
+    ui->wg_AOE->show();
+    XmlWriteOpermode(QStringLiteral("aoe"));
+    ui->wg_AOE->initLevel();
+    ui->wg_Menu->setCurrentIdx(MENUIDX_AOE);
+    m_input = {
+        connect(m_parser, &PAparser::sgAoeInfo, ui->wg_AOE, &AOEForm::showAoeInfo),
+        connect(m_parser, &PAparser::sgMasterLevel, ui->wg_AOE, &AOEForm::showLevel),
+        connect(m_parser, &PAparser::sgAoeInfo, ui->wg_AOE, &AOEForm::showPlay),
+        connect(m_parser, &PAparser::sgAOE_STAT_FAIL, ui->wg_AOE, &AOEForm::showFailMSG),
+        connect(m_parser, &PAparser::sgAOE_STAT_OVER, ui->wg_AOE, &AOEForm::showOVERMSG),
+        connect(m_parser, &PAparser::sgAOE_STAT_OK, ui->wg_AOE, &AOEForm::showPlay),
+    };
+}
+
+void MainWindow::AOEModeExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_AOE->hide();
+    ui->wg_Menu->setPrevMode(MENUIDX_AOE);
+    dropInput();
+}
+
+void MainWindow::IRModeEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Menu->setCurrentIdx(MENUIDX_IR);
+}
+
+void MainWindow::IRModeExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Menu->setPrevMode(MENUIDX_IR);
+}
+
+void MainWindow::IRMainEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_mode = ModeCode::IRMain;
+    XmlWriteOpermode(QStringLiteral("radio"));
+    ui->wg_IR->show();
+    ui->wg_IR->initLevel();
+    ui->wg_IR->showStop();
+    ui->wg_AOE->showStop();
+    ui->wg_IR->RadioInfoFromXML(unitPath(UnitPath::Radio));
+    m_input = {
+        connect(m_parser, &PAparser::sgIRInfo, ui->wg_IR, &IRForm::showIRInfo),
+        connect(m_parser, &PAparser::sgMasterLevel, ui->wg_IR, &IRForm::showLevel),
+        connect(m_parser, &PAparser::sgIRInfo, ui->wg_IR, &IRForm::showPlay),
+    };
+}
+
+void MainWindow::IRMainExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_IR->hide();
+    dropInput();
+}
+
+void MainWindow::IRListEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_mode = ModeCode::IRList;
+    ui->wg_IRList->XMLParse();
+    ui->wg_IRList->InitList();
+    ui->wg_IRList->show();
+    ui->wg_IRList->SetCurrentIndexFromXML();
+    m_input = {
+        connect(m_parser, &PAparser::sgEncLeft, ui->wg_IRList, &RadioListForm::up_action),
+        connect(m_parser, &PAparser::sgEncRight, ui->wg_IRList, &RadioListForm::down_action),
+        connect(m_parser, &PAparser::sgKEY_SELECT, ui->wg_IRList, &RadioListForm::select_action),
+    };
+}
+
+void MainWindow::IRListExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_IRList->hide();
+    dropInput();
+}
+
+void MainWindow::SetModeEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_mode = ModeCode::Setup;
+    ui->wg_Setting->show();
+    ui->wg_Setting->TimerStart();
+    ui->wg_Menu->setCurrentIdx(MENUIDX_Setup);
+    ui->wg_Setting->InitWidget();
+    connectSetupInput();
+}
+
+void MainWindow::SetModeExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Setting->hide();
+    ui->wg_Menu->setPrevMode(MENUIDX_Setup);
+    ui->wg_Setting->StopTimer();
+    dropInput();
+}
+
+void MainWindow::connectSetupInput()
+{
+    m_input = {
+        connect(m_parser, &PAparser::sgEncLeft, ui->wg_Setting, &SetupForm::prev_action),
+        connect(m_parser, &PAparser::sgEncRight, ui->wg_Setting, &SetupForm::next_action),
+        connect(m_parser, &PAparser::sgKEY_SELECT, ui->wg_Setting, &SetupForm::select_action),
+        connect(m_parser, &PAparser::sgKEY_ESC, ui->wg_Setting, &SetupForm::esc_action),
+        connect(ui->wg_Setting, &SetupForm::sgDhcpClose, this, &MainWindow::DhcpClosed),
+        connect(ui->wg_Setting, &SetupForm::sgDhcpOpen, this, &MainWindow::DhcpOpened),
+        connect(ui->wg_Setting, &SetupForm::sgLoadingMode, this, &MainWindow::LoadingModeEntered),
+    };
+}
+
+void MainWindow::NetBGMModeEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_mode = ModeCode::NetBgm;
+    ui->wg_NetBGM->show();
+    ui->wg_Menu->setCurrentIdx(MENUIDX_NetBGM);
+    ui->wg_AOE->showStop();
+}
+
+/** Unlike every other mode this one is not remembered as the one before the menu. */
+void MainWindow::NetBGMModeExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_NetBGM->hide();
+    ui->wg_Menu->setCurrentIdx(MENUIDX_NetBGM);
+}
+
+void MainWindow::MenuModeEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_mode = ModeCode::Menu;
+    ui->wg_Menu->show();
+    m_input = {
+        connect(m_parser, &PAparser::sgEncLeft, ui->wg_Menu, &MenuForm::prev_action),
+        connect(m_parser, &PAparser::sgEncRight, ui->wg_Menu, &MenuForm::next_action),
+        connect(m_parser, &PAparser::sgKEY_SELECT, ui->wg_Menu, &MenuForm::select_action),
+    };
+}
+
+void MainWindow::MenuModeExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Menu->hide();
+    dropInput();
+}
+
+void MainWindow::LoadingModeEntered()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Setting->StopTimer();
+    dropInput();
+    auto* const restart = new QProcess;
+    connect(restart, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), restart,
+            &QObject::deleteLater);
+    connect(restart, &QProcess::errorOccurred, restart, &QObject::deleteLater);
+    // Nobody reads the command's output; collected it could grow without end.
+    restart->setStandardOutputFile(QProcess::nullDevice());
+    restart->setStandardErrorFile(QProcess::nullDevice());
+    restart->start(unitPath(UnitPath::NetworkRestart), {QStringLiteral("restart")}, QIODevice::ReadWrite);
+    if (!restart->waitForFinished(networkRestartMs))
+        restart->kill();
+    LoadingModeExited();
+}
+
+void MainWindow::LoadingModeExited()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Setting->ReloadPage();
+    connectSetupInput();
+}
+
+void MainWindow::DhcpOpened()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Setting->StopTimer();
+    m_mode = ModeCode::DhcpOpened;
+}
+
+void MainWindow::DhcpClosed()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    ui->wg_Setting->XMLParse();
+    m_mode = ModeCode::Setup;
+}

@@ -1,0 +1,80 @@
+#include "app/dprintf.h"
+#include "link/packet.h"
+#include "link/tcp_server.h"
+#include "mainwindow/mainwindow.h"
+#include "protocol/paparser.h"
+
+/**
+ * The receive queue. Chunks follow the segments of TCP, not the packets; the cutter takes packets off the
+ * front and finds its way back after junk by dropping single bytes. At most four bytes, a bare header, wait
+ * for the next chunk.
+ */
+
+void MainWindow::stackBuff(QByteArray chunk)
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    if (chunk.isEmpty())
+        return;
+    m_received.append(chunk);
+    emit sgBuffStacked();
+}
+
+/**
+ * What remains in the queue is announced again, which calls this slot again. Were such a nested call to do
+ * the work, a megabyte of junk would nest a million deep; so it only notes that there is more, and the
+ * outermost one goes on.
+ */
+void MainWindow::parsingfromSupervisor()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    m_moreToDrain = true;
+    if (m_draining)
+        return;
+    m_draining = true;
+    while (m_moreToDrain) {
+        m_moreToDrain = false;
+        consumeFront();
+    }
+    m_draining = false;
+    m_received.remove(0, m_consumed);
+    m_consumed = 0;
+}
+
+void MainWindow::consumeFront()
+{
+    const int waiting = int(m_received.size()) - m_consumed;
+    if (waiting <= PacketHeader::bytes)
+        return;
+    int taken = checkupPacket();
+    if (taken != 0)
+        m_parser->parseBySupervisor(m_received.mid(m_consumed, taken));
+    else
+        taken = 1;
+    m_consumed += qMin(taken, waiting);
+    if (m_consumed < m_received.size())
+        emit sgBuffStacked();
+}
+
+int MainWindow::checkupPacket()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    const PacketHeader header = PacketHeader::from(m_received, m_consumed);
+    const int waiting = int(m_received.size()) - m_consumed;
+    if (header.command < firstCommand || header.command > lastCommand)
+        return 0;
+    // The whole queue is held against the data length alone: up to four missing bytes pass.
+    if (waiting < header.length || header.length == 0) {
+        DPRINTF(4, "size error");
+        DPRINTF(4, " Pkt queue size [ %d ] ,, need DataLen [ %d ] ", waiting, header.length);
+        DPRINTF(4, "Pkt : %s", m_received.mid(m_consumed, PacketHeader::bytes).toHex().constData());
+        return 0;
+    }
+    return header.length + PacketHeader::bytes;
+}
+
+void MainWindow::ResponseCurrentMode()
+{
+    DPRINTF(0, "%s", Q_FUNC_INFO);
+    const QByteArray payload(1, char(m_mode));
+    m_server->WritePkt(m_server->makePktData(quint16(Command::Request), 1, payload));
+}
