@@ -1,0 +1,85 @@
+#pragma once
+
+#include "link/packet.h"
+#include "link/tcp_server.h"
+
+#include <QProcess>
+#include <QStringList>
+#include <QTcpSocket>
+#include <QtTest>
+
+/** The real program in a process of its own, on the unit that VIREO_ROOT names, and a supervisor connected to
+ * it. */
+class PanelProcess {
+public:
+    explicit PanelProcess(const QStringList& arguments)
+    {
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        m_process.start(QStringLiteral(VIREO_PROGRAM), arguments);
+    }
+    ~PanelProcess()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+    /** Connects once the program listens; false when it does not within ten seconds. */
+    bool connectSupervisor()
+    {
+        return QTest::qWaitFor(
+            [this] {
+                m_link.abort();
+                m_link.connectToHost(QHostAddress::LocalHost, tcp_server::port);
+                return m_link.waitForConnected(100);
+            },
+            10000);
+    }
+
+    void write(const QByteArray& bytes)
+    {
+        m_link.write(bytes);
+        m_link.waitForBytesWritten();
+    }
+    void send(Command command, const QByteArray& data)
+    {
+        write(packetOf(quint16(command), quint16(data.size()), data));
+    }
+
+    /** Asks for the mode; -1 without an answer. Everything sent before is handled by then. */
+    int mode(int timeoutMs = 10000)
+    {
+        send(Command::Request, QByteArray(1, '\x08'));
+        if (!QTest::qWaitFor([this] { return m_link.bytesAvailable() >= 5; }, timeoutMs))
+            return -1;
+        const QByteArray answer = m_link.read(5);
+        return answer.startsWith(QByteArray::fromHex("0d000100")) ? int(quint8(answer.at(4))) : -1;
+    }
+
+    /** Everything printed so far, a line each; the answer to mode() is printed before it arrives. */
+    QStringList lines()
+    {
+        m_process.waitForReadyRead(50);
+        m_output += m_process.readAll();
+        QStringList result;
+        for (const QByteArray& line : m_output.split('\n'))
+            result << QString::fromUtf8(line);
+        return result;
+    }
+    bool waitForLine(const QString& line)
+    {
+        return QTest::qWaitFor([&] { return lines().contains(line); }, 10000);
+    }
+    void forgetLines()
+    {
+        lines();
+        m_output.clear();
+    }
+
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
+    QTcpSocket& link() { return m_link; }
+
+private:
+    QProcess m_process;
+    QTcpSocket m_link;
+    QByteArray m_output;
+};

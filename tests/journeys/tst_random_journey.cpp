@@ -1,0 +1,326 @@
+#include "link/packet.h"
+#include "tests/mainwindow/panel.h"
+#include "tests/support/panelmain.h"
+
+#include <QListView>
+
+namespace {
+
+constexpr int presetStations = 3;
+constexpr int userStations = 2;
+constexpr int menuEntries = 5;
+
+enum Key { Stop = 1, PlayPause, Prev, Next, Mode, Select, Esc, LongBit = 0x80 };
+
+/** The strip of menu entries as the panel's user knows it while no time passes: a turn under way does not
+ * end. */
+struct MenuStrip {
+    int centre = 0;
+    int step = 0;
+    int focus = 0;
+
+    void set(int index)
+    {
+        centre = index;
+        focus = index;
+        step = 0;
+    }
+    void turn(int direction)
+    {
+        if (step == direction) {
+            focus = centre + 2 * direction;
+        } else if (step == 0) {
+            const int end = direction > 0 ? menuEntries - 1 : 0;
+            if (centre == end)
+                return;
+            focus = centre + direction;
+            step = direction;
+        } else {
+            focus = centre;
+        }
+    }
+};
+
+/** The modes written out as prose would: one function an event, no machine. */
+class Model {
+public:
+    QString screen;
+    int code = 255;
+
+    void key(int key)
+    {
+        if (key == Select)
+            select();
+        else if (key == Esc)
+            escape();
+        else if (key == (Select | LongBit))
+            openMenu();
+    }
+
+    void turn(int steps)
+    {
+        for (int i = qAbs(steps); i > 0; --i)
+            turnOnce(steps > 0 ? 1 : -1);
+    }
+
+    void devices(int mask)
+    {
+        if (mask & 0x01 && screen != usb)
+            enterUsb();
+        if (mask & 0x08 && screen != radio)
+            enterRadio();
+        if (mask & 0x10 && screen != aoe)
+            enterAoe();
+    }
+
+private:
+    const QString usb = QStringLiteral("wg_USB");
+    const QString aoe = QStringLiteral("wg_AOE");
+    const QString radio = QStringLiteral("wg_IR");
+    const QString list = QStringLiteral("wg_IRList");
+    const QString setup = QStringLiteral("wg_Setting");
+    const QString netBgm = QStringLiteral("wg_NetBGM");
+    const QString menu = QStringLiteral("wg_Menu");
+
+    void enter(const QString& next, int nextCode)
+    {
+        // Leaving NetBGM sets the menu's entry once more.
+        if (screen == netBgm)
+            strip.set(3);
+        screen = next;
+        code = nextCode;
+    }
+    void enterUsb()
+    {
+        enter(usb, 1);
+        strip.set(0);
+    }
+    void enterAoe()
+    {
+        enter(aoe, 2);
+        strip.set(1);
+    }
+    void enterRadio()
+    {
+        const bool fromList = screen == list;
+        enter(radio, 4);
+        if (!fromList)
+            strip.set(2);
+    }
+    void enterSetup()
+    {
+        enter(setup, 6);
+        choice = dhcp;
+        strip.set(4);
+    }
+    void enterNetBgm()
+    {
+        enter(netBgm, 5);
+        strip.set(3);
+    }
+
+    void openMenu()
+    {
+        if (screen == list || screen == menu)
+            return;
+        before = screen;
+        enter(menu, 0);
+    }
+
+    void select()
+    {
+        if (screen == menu)
+            choose(strip.focus);
+        else if (screen == radio)
+            openList();
+        else if (screen == list)
+            chooseStation();
+        else if (screen == setup)
+            selectDhcp();
+    }
+    void choose(int entry)
+    {
+        if (entry <= 0)
+            enterUsb();
+        else if (entry == 1)
+            enterAoe();
+        else if (entry == 2)
+            enterRadio();
+        else if (entry == 3)
+            enterNetBgm();
+        else
+            enterSetup();
+    }
+    void openList()
+    {
+        enter(list, 3);
+        row = channel + (category == 1 ? presetStations : 0);
+    }
+    void chooseStation()
+    {
+        category = row < presetStations ? 0 : 1;
+        channel = category == 0 ? row : row - presetStations;
+        enterRadio();
+    }
+    void selectDhcp()
+    {
+        if (!editing) {
+            editing = true;
+            saved = choice;
+            code = 7;
+            return;
+        }
+        editing = false;
+        if (choice != saved)
+            dhcp = choice;
+        choice = dhcp;
+        code = 6;
+    }
+
+    void escape()
+    {
+        if (screen == menu)
+            returnFromMenu();
+        else if (screen == list)
+            enterRadio();
+        else if (screen == setup && editing) {
+            editing = false;
+            choice = dhcp;
+            code = 6;
+        }
+    }
+    void returnFromMenu()
+    {
+        if (before == usb)
+            enterUsb();
+        else if (before == aoe)
+            enterAoe();
+        else if (before == radio)
+            enterRadio();
+        else if (before == netBgm)
+            enterNetBgm();
+        else
+            enterSetup();
+    }
+
+    void turnOnce(int direction)
+    {
+        constexpr int rows = presetStations + userStations;
+        if (screen == menu)
+            strip.turn(direction);
+        else if (screen == list)
+            row = (row + direction + rows) % rows;
+        else if (screen == setup)
+            choice = direction < 0;
+    }
+
+public:
+    int row = 0;
+
+private:
+    MenuStrip strip;
+    QString before;
+    int category = 0;
+    int channel = 0;
+    bool dhcp = false;
+    bool choice = false;
+    bool saved = false;
+    bool editing = false;
+};
+
+QByteArray stations(const char* name, int count)
+{
+    QByteArray xml = "<channels>";
+    for (int i = 0; i < count; ++i)
+        xml += QByteArray("<entry><title>") + name + QByteArray::number(i) + "</title><url>http://" + name
+            + QByteArray::number(i) + ".example/</url></entry>";
+    return xml + "</channels>";
+}
+
+/** A unit whose live network values come at once. */
+void furnish(const UnitRoot& unit)
+{
+    unit.writeConf(QStringLiteral("radio.xml"),
+                   "<config><category>0</category><channels>0</channels>"
+                   "<url>u</url><name>n</name><prefix>k</prefix></config>");
+    unit.writeConf(QStringLiteral("prefix_channels_k.xml"), stations("p", presetStations));
+    unit.writeConf(QStringLiteral("user_channels.xml"), stations("u", userStations));
+    unit.writeConf(QStringLiteral("network.xml"), "<config><dhcp>no</dhcp><dns2>192.0.2.2</dns2></config>");
+    const QString route = unit.path(QStringLiteral("/bin/route"));
+    UnitRoot::write(route, "#!/bin/sh\necho 0.0.0.0 192.0.2.1\n");
+    QFile::setPermissions(route, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("PATH", QFileInfo(route).path().toUtf8() + ':' + qgetenv("PATH"));
+}
+
+} // namespace
+
+class RandomJourneyTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void modeAndScreenFollow_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed = 1; seed <= 4; ++seed)
+            QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << seed;
+    }
+    void modeAndScreenFollow()
+    {
+        QFETCH(quint32, seed);
+        const QByteArray path = qgetenv("PATH");
+        LogCatcher log(5);
+        Panel panel;
+        furnish(panel.unit);
+        Model model;
+        const auto random = [&seed](int below) {
+            seed = seed * 1664525u + 1013904223u;
+            return int((seed >> 8) % quint32(below));
+        };
+        auto* view = panel.window.findChild<QListView*>(QStringLiteral("listView"));
+        QStringList visited;
+        for (int event = 0; event < 2000; ++event) {
+            int value = 0;
+            const int kind = random(10);
+            if (kind < 5) {
+                const int keys[] = {Stop,
+                                    PlayPause,
+                                    Prev,
+                                    Next,
+                                    Mode,
+                                    Select,
+                                    Select,
+                                    Esc,
+                                    Esc,
+                                    Select | LongBit,
+                                    Select | LongBit,
+                                    Esc | LongBit};
+                value = keys[random(int(std::size(keys)))];
+                panel.window.stackBuff(packetOf(5, 1, QByteArray(1, char(value))));
+                model.key(value);
+            } else if (kind < 9) {
+                value = random(7) - 3;
+                panel.window.stackBuff(packetOf(11, 1, QByteArray(1, char(value))));
+                model.turn(value);
+            } else {
+                value = random(32);
+                panel.window.stackBuff(packetOf(7, 1, QByteArray(1, char(value))));
+                model.devices(value);
+            }
+            const QStringList expected = model.screen.isEmpty() ? QStringList() : QStringList(model.screen);
+            const QByteArray where = "event " + QByteArray::number(event) + " kind "
+                + QByteArray::number(kind) + " value " + QByteArray::number(value) + ": expected "
+                + model.screen.toLatin1() + ", shows " + panel.screens().join(QLatin1Char(' ')).toLatin1();
+            QVERIFY2(panel.screens() == expected, where.constData());
+            QVERIFY2(panel.code() == model.code, where.constData());
+            if (model.screen == QStringLiteral("wg_IRList"))
+                QVERIFY2(view->currentIndex().row() == model.row, where.constData());
+            if (!visited.contains(model.screen))
+                visited << model.screen;
+        }
+        qputenv("PATH", path);
+        QVERIFY(visited.size() >= 7);
+    }
+};
+
+VIREO_TEST_MAIN(RandomJourneyTest)
+#include "tst_random_journey.moc"

@@ -1,0 +1,218 @@
+#include "tests/journeys/panelprocess.h"
+#include "tests/support/panelmain.h"
+#include "tests/support/unitroot.h"
+
+#include <QPainter>
+#include <QTcpServer>
+
+namespace {
+
+const QString info = QStringLiteral("[ \x1B[36mINFO @vireo\x1B[0m ] ");
+const QString warning = QStringLiteral("[ \x1B[34mWARN @vireo\x1B[0m ] ");
+const QString error = QStringLiteral("[ \x1B[35mERROR@vireo\x1B[0m ] ");
+
+bool run(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    return process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit
+        && process.exitCode() == 0;
+}
+
+/** A second of a quiet tone, encoded and tagged by the programs that people use. */
+bool makeSong(const QString& folder, const QString& song)
+{
+    QImage cover(300, 200, QImage::Format_RGB32);
+    cover.fill(Qt::darkCyan);
+    const QString coverFile = folder + QStringLiteral("/cover.jpg");
+    const QString wave = folder + QStringLiteral("/tone.wav");
+    return cover.save(coverFile)
+        && run(QStringLiteral("ffmpeg"),
+               {QStringLiteral("-y"), QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                QStringLiteral("sine=frequency=440:duration=1"), wave})
+        && run(QStringLiteral("lame"), {QStringLiteral("--quiet"), wave, song})
+        && run(QStringLiteral("eyeD3"),
+               {QStringLiteral("--to-v2.3"), QStringLiteral("--encoding"), QStringLiteral("latin1"),
+                QStringLiteral("-t"), QStringLiteral("Morning Corridor"), QStringLiteral("-a"),
+                QStringLiteral("Quiet Hall"), QStringLiteral("-A"), QStringLiteral("Evening"),
+                QStringLiteral("--add-image"), coverFile + QStringLiteral(":FRONT_COVER"), song});
+}
+
+} // namespace
+
+class SessionTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void threshold_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("announced");
+        QTest::newRow("none: errors only") << QStringList() << 1;
+        QTest::newRow("4") << QStringList(QStringLiteral("4")) << 1;
+        QTest::newRow("3") << QStringList(QStringLiteral("3")) << 2;
+        QTest::newRow("2") << QStringList(QStringLiteral("2")) << 3;
+        QTest::newRow("1") << QStringList(QStringLiteral("1")) << 4;
+        QTest::newRow("0") << QStringList(QStringLiteral("0")) << 5;
+        QTest::newRow("text counts as 0") << QStringList(QStringLiteral("abc")) << 5;
+        QTest::newRow("number with text behind") << QStringList(QStringLiteral("3rd")) << 2;
+        QTest::newRow("negative prints everything") << QStringList(QStringLiteral("-3")) << 5;
+        QTest::newRow("far below") << QStringList(QStringLiteral("-99999999999999999999")) << 5;
+        QTest::newRow("5 is silence") << QStringList(QStringLiteral("5")) << 0;
+        QTest::newRow("9 is silence too") << QStringList(QStringLiteral("9")) << 0;
+        QTest::newRow("far above") << QStringList(QStringLiteral("99999999999999999999")) << 0;
+        QTest::newRow("further arguments are ignored")
+            << QStringList({QStringLiteral("3"), QStringLiteral("0")}) << 2;
+    }
+    void threshold()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, announced);
+        const QStringList all = {error + QStringLiteral("Will be print 'ERROR MSG'"),
+                                 warning + QStringLiteral("Will be print 'WARNING MSG'"),
+                                 info + QStringLiteral("Will be print 'INFO MSG'"),
+                                 QStringLiteral("Will be print 'VERBOSE MSG'"),
+                                 QStringLiteral("Will be print 'DUMP MSG'")};
+        const QString stars = QStringLiteral("**********************************");
+        PanelProcess panel(arguments);
+        QVERIFY(panel.connectSupervisor());
+        QCOMPARE(panel.mode(), 255);
+        const QStringList lines = panel.lines();
+        const int banner = int(lines.indexOf(stars));
+        QVERIFY(banner >= 0);
+        QCOMPARE(lines.value(banner + 1), QStringLiteral(" vireo 1.0.1.6.1 Ticker updated"));
+        QCOMPARE(lines.value(banner + 2), QLatin1Char(' ') + stars + QLatin1Char(' '));
+        QCOMPARE(lines.mid(banner + 3, announced), all.mid(0, announced));
+        QCOMPARE(lines.filter(QStringLiteral("Will be print")).size(), announced);
+        if (announced == 0)
+            QCOMPARE(lines.mid(banner + 3).join(QString()), QString());
+        if (announced >= 3) {
+            const QString listening = info + QStringLiteral("Tcp server On");
+            QVERIFY(lines.indexOf(info + QStringLiteral("Unifont")) > banner);
+            QVERIFY(lines.indexOf(info + QStringLiteral("Unifont")) < lines.indexOf(listening));
+        }
+    }
+
+    void playerSession()
+    {
+        QTemporaryDir music;
+        const QString song = music.filePath(QStringLiteral("song.mp3"));
+        QVERIFY2(makeSong(music.path(), song), "ffmpeg, lame and eyeD3 make the song");
+        PanelProcess panel({QStringLiteral("2")});
+        QVERIFY(panel.connectSupervisor());
+        QCOMPARE(panel.mode(), 255);
+        panel.send(Command::Device, QByteArray(1, '\x01'));
+        QCOMPARE(panel.mode(), 1);
+        QCOMPARE(
+            m_unit.readConf(QStringLiteral("oper_mode.xml")),
+            QByteArray(
+                "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<config>\n    <type>usb</type>\n</config>\n"));
+        panel.forgetLines();
+        panel.send(Command::Filename, song.toUtf8() + '\0');
+        panel.send(Command::Time, QByteArray::fromHex("0005"));
+        panel.send(Command::Level, QByteArray::fromHex("80"));
+        QCOMPARE(panel.mode(), 1);
+        const QStringList lines = panel.lines();
+        const QStringList expected = {
+            info + QStringLiteral("FileName [ %1 ]").arg(song),
+            info + QStringLiteral("[ID3] MP3 Tag ( latin01 ) [ Evening ] "),
+            info + QStringLiteral("[ID3] MP3 Tag ( latin01 ) [ Quiet Hall ] "),
+            info + QStringLiteral("[ID3] MP3 Tag ( latin01 ) [ Morning Corridor ] "),
+            info + QStringLiteral("Album Art Image OK"),
+        };
+        QStringList seen = lines;
+        seen.removeAll(QString());
+        QCOMPARE(seen, expected);
+    }
+
+    void everyModeIsReachedAndReported()
+    {
+        m_unit.writeConf(QStringLiteral("network.xml"),
+                         "<config><hwaddr>02:00:00:00:00:01</hwaddr><dhcp>no</dhcp>"
+                         "<dns2>192.0.2.2</dns2></config>");
+        PanelProcess panel({});
+        QVERIFY(panel.connectSupervisor());
+        const auto key = [&panel](int code) { panel.send(Command::Key, QByteArray(1, char(code))); };
+        const int select = 6;
+        const int escape = 7;
+        const int longSelect = 0x86;
+        key(longSelect);
+        QCOMPARE(panel.mode(), 0);
+        key(escape);
+        QCOMPARE(panel.mode(), 6);
+        key(select);
+        QCOMPARE(panel.mode(), 7);
+        key(escape);
+        QCOMPARE(panel.mode(), 6);
+        panel.send(Command::Device, QByteArray(1, '\x10'));
+        QCOMPARE(panel.mode(), 2);
+        panel.send(Command::Device, QByteArray(1, '\x08'));
+        QCOMPARE(panel.mode(), 4);
+        key(select);
+        QCOMPARE(panel.mode(), 3);
+        key(longSelect);
+        QCOMPARE(panel.mode(), 3);
+        key(escape);
+        QCOMPARE(panel.mode(), 4);
+        // The menu stands on the radio, one turn brings NetBGM to the middle.
+        key(longSelect);
+        panel.send(Command::Encoder, QByteArray(1, '\x01'));
+        key(select);
+        QCOMPARE(panel.mode(), 5);
+        panel.send(Command::Device, QByteArray(1, '\x01'));
+        QCOMPARE(panel.mode(), 1);
+        panel.send(Command::Device, QByteArray(1, '\x04'));
+        QCOMPARE(panel.mode(), 1);
+    }
+
+    void takenPortIsReportedAndTheProgramRunsOn()
+    {
+        QTcpServer other;
+        QVERIFY(other.listen(QHostAddress::Any, tcp_server::port));
+        PanelProcess panel({});
+        QVERIFY(panel.waitForLine(error + QStringLiteral("tcp server error")));
+        QVERIFY(panel.isRunning());
+    }
+
+    void hostileBytesLeaveItServing()
+    {
+        PanelProcess panel({});
+        QVERIFY(panel.connectSupervisor());
+        panel.write(QByteArray(1 << 20, '\xff'));
+        panel.write(QByteArray::fromHex("ffffffff0500"));
+        panel.write(QByteArray(100000, '\x05'));
+        panel.write(QByteArray(8, '\0'));
+        QCOMPARE(panel.mode(), 255);
+        panel.send(Command::Filename, QByteArray("/nonexistent/song.mp3"));
+        panel.send(Command::Filename, QByteArray("/dev/zero"));
+        panel.send(Command::Filename, QByteArray("/"));
+        panel.send(Command::Filename, QByteArray(60000, 'a'));
+        panel.send(Command::Filename, QByteArray());
+        panel.write(QByteArray(4, '\0'));
+        QCOMPARE(panel.mode(), 255);
+        QVERIFY(panel.isRunning());
+    }
+
+    void newSupervisorTakesOver()
+    {
+        PanelProcess panel({});
+        QVERIFY(panel.connectSupervisor());
+        QCOMPARE(panel.mode(), 255);
+        QTcpSocket newer;
+        newer.connectToHost(QHostAddress::LocalHost, tcp_server::port);
+        QVERIFY(newer.waitForConnected());
+        newer.write(QByteArray::fromHex("0d00010008"));
+        QVERIFY(newer.waitForReadyRead(10000));
+        QCOMPARE(newer.readAll(), QByteArray::fromHex("0d000100ff"));
+        QCOMPARE(panel.mode(300), -1);
+        newer.write(QByteArray::fromHex("0d00010008"));
+        QVERIFY(newer.waitForReadyRead(10000));
+        QCOMPARE(newer.readAll(), QByteArray::fromHex("0d000100ff"));
+    }
+
+private:
+    UnitRoot m_unit;
+};
+
+VIREO_TEST_MAIN(SessionTest)
+#include "tst_session.moc"
