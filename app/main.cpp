@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 
 namespace {
@@ -53,9 +54,13 @@ void reportKoreanFonts()
 
 int main(int argc, char** argv)
 {
+    // A log reader that goes away must not take the panel with it.
+    std::signal(SIGPIPE, SIG_IGN);
     // The unit's screen is 320x240 device pixels and a font point the same pixels everywhere.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+    // Version 5 of the toolkit takes widget fonts from the display's resolution all the same.
+    qputenv("QT_FONT_DPI", "96");
     QApplication application(argc, argv);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 

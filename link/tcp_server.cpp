@@ -5,14 +5,13 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
+
+#include <algorithm>
 
 #include <poll.h>
+#include <sys/resource.h>
 
 namespace {
-
-/** Long enough that a lasting shortage does not keep the processor busy. */
-constexpr int acceptRetryMs = 100;
 
 /** Whether the other end has closed or reset the connection, also while bytes of it wait unread. */
 bool peerIsGone(const QTcpSocket& socket)
@@ -46,7 +45,6 @@ void tcp_server::createsocket()
     m_server = new QTcpServer(this);
     m_client = new QTcpSocket(this);
     connect(m_server, &QTcpServer::newConnection, this, &tcp_server::acceptConnection);
-    connect(m_server, &QTcpServer::acceptError, this, &tcp_server::recoverFromAcceptError);
 }
 
 void tcp_server::operateServer()
@@ -98,24 +96,36 @@ void tcp_server::send_message(QString recvdata)
 
 void tcp_server::write(const QByteArray& packet)
 {
-    if (m_client->bytesToWrite() > maxUnsentBytes) {
-        DPRINTF(4, "The peer does not read: a packet of %d bytes is dropped", int(packet.size()));
+    const bool drop = m_client->bytesToWrite() > maxUnsentBytes;
+    if (drop && !m_dropping)
+        DPRINTF(4, "The peer does not read: packets to it are dropped");
+    m_dropping = drop;
+    if (drop)
         return;
-    }
     m_client->write(packet);
+    // A peer that has already shut down its own side still gets its answer.
+    m_client->flush();
+}
+
+int tcp_server::maxReplaced()
+{
+    constexpr rlim_t most = 512;
+    rlimit descriptors = {};
+    getrlimit(RLIMIT_NOFILE, &descriptors);
+    return int(std::min(most, descriptors.rlim_cur / 4));
 }
 
 void tcp_server::retire(QTcpSocket* socket)
 {
     releaseGoneReplaced();
-    if (peerIsGone(*socket)) {
+    if (peerIsGone(*socket) || socket->bytesToWrite() > replacedBufferBytes) {
         socket->deleteLater();
         return;
     }
     socket->setReadBufferSize(replacedBufferBytes);
     m_replaced.append(socket);
     connect(socket, &QTcpSocket::disconnected, this, &tcp_server::releaseGoneReplaced);
-    if (m_replaced.size() > maxReplaced)
+    if (m_replaced.size() > maxReplaced())
         m_replaced.takeFirst()->deleteLater();
 }
 
@@ -125,14 +135,4 @@ void tcp_server::releaseGoneReplaced()
         if (peerIsGone(*m_replaced.at(i)))
             m_replaced.takeAt(i)->deleteLater();
     }
-}
-
-/** Out of descriptors the toolkit stops accepting for good; giving up the oldest replaced connection lets it
- * go on. */
-void tcp_server::recoverFromAcceptError()
-{
-    DPRINTF(4, "accept error [%s]", m_server->errorString().toUtf8().constData());
-    if (!m_replaced.isEmpty())
-        delete m_replaced.takeFirst();
-    QTimer::singleShot(acceptRetryMs, m_server, &QTcpServer::resumeAccepting);
 }

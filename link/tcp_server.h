@@ -21,13 +21,15 @@ class tcp_server : public QWidget {
 
 public:
     static constexpr quint16 port = 5000;
-    /** Replaced connections kept open; beyond it the oldest is dropped, so that descriptors do not run out.
-     */
-    static constexpr int maxReplaced = 512;
-    /** Bytes that wait unread on a replaced connection before its peer is held up. */
+    /** Bytes that wait unread on a replaced connection before its peer is held up, and unsent before it is
+     * dropped. */
     static constexpr qint64 replacedBufferBytes = 16 * 1024;
     /** Bytes that wait for a peer that does not read; further packets to it are dropped. */
-    static constexpr qint64 maxUnsentBytes = 16 * 1024 * 1024;
+    static constexpr qint64 maxUnsentBytes = 1024 * 1024;
+
+    /** Replaced connections kept open: a quarter of the process's descriptors. Beyond it the oldest is
+     * dropped. */
+    static int maxReplaced();
 
     explicit tcp_server(QWidget* parent);
     ~tcp_server() override;
@@ -55,11 +57,12 @@ public slots:
 private:
     void retire(QTcpSocket* socket);
     void releaseGoneReplaced();
-    void recoverFromAcceptError();
     void write(const QByteArray& packet);
 
     QTcpServer* m_server = nullptr;
     QTcpSocket* m_client = nullptr;
     QByteArray m_received;
     QList<QTcpSocket*> m_replaced;
+    /** Set while packets are dropped, so that one line tells of any number of them. */
+    bool m_dropping = false;
 };

@@ -27,6 +27,7 @@ bool save(const QDir& folder, const Picture& picture)
 int main(int argc, char** argv)
 {
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+    qputenv("QT_FONT_DPI", "96");
     QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3)
