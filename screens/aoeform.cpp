@@ -10,7 +10,6 @@
 #include "ui_aoeform.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 namespace {
 
@@ -18,15 +17,6 @@ constexpr int textPoints = 12;
 
 /** The label has room for some thirty characters; a file without a line break is not read to its end. */
 constexpr qint64 longestSampleRate = 4096;
-
-/** Empty when the file is open, else the reason why it is not. Opening a pipe would wait for its writer. */
-QString openToRead(QFile& file)
-{
-    const QFileInfo info(file.fileName());
-    if (info.exists() && !info.isFile() && !info.isDir())
-        return QStringLiteral("Not a regular file");
-    return file.open(QIODevice::ReadOnly | QIODevice::Text) ? QString() : file.errorString();
-}
 
 } // namespace
 
@@ -120,7 +110,7 @@ void AOEForm::AoeInfoFromXML()
 bool AOEForm::readSampleRate()
 {
     QFile file(unitPath(UnitPath::SampleRate));
-    const QString error = openToRead(file);
+    const QString error = openToRead(file, QIODevice::ReadOnly | QIODevice::Text);
     if (!error.isEmpty()) {
         DPRINTF(4, "SampleRate [%s]", error.toUtf8().constData());
         m_form->lb_aoe_sample_rate->setText(tr("Read SR to failed"));
