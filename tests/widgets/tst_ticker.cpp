@@ -159,6 +159,16 @@ private slots:
         }
     }
 
+    /** A mark at the start of a line gets its place, and so its width, only from the letter behind it. */
+    void aLetterBehindAMarkCanNarrowTheText()
+    {
+        const QFontMetrics metrics(panelFont(12));
+        const QString text = QStringLiteral("\u05DCe\n\u0301xyz");
+        QVERIFY(metrics.horizontalAdvance(text.left(5)) < metrics.horizontalAdvance(text.left(4)));
+        for (int limit = 0; limit < 50; ++limit)
+            QCOMPARE(cutToWidth(text, limit, rulerOf(metrics)), plainLoop(text, limit, metrics));
+    }
+
     void aTextThatFitsIsOnePieceAndNeverChanges()
     {
         Ticker ticker;
@@ -395,6 +405,13 @@ private slots:
             const qint64 measured = measuredCharacters(unit, length);
             QVERIFY2(measured <= 40LL * length, qPrintable(QString::number(measured / length)));
         }
+    }
+
+    void thePlaceWhereALongPieceEndsIsFoundInFewMeasurements()
+    {
+        const QString text =
+            QString(20, QLatin1Char('x')) + QString(200000, QChar(0x301)) + QStringLiteral("xyz");
+        QVERIFY(measuredCharacters(text, int(text.size())) <= 8 * text.size());
     }
 
     void aMegabyteIsCut_data()
