@@ -49,8 +49,7 @@ QPalette listPalette(QPalette palette)
     return palette;
 }
 
-/** Keeps rows within the view: it is narrower than the grid, so that a long title ends in an ellipsis, and
- * not a whole number of rows high, so that the last one is left out rather than cut. */
+/** Leaves a row out rather than cut it: the view is not a whole number of rows high. */
 class StationDelegate : public QStyledItemDelegate {
 public:
     explicit StationDelegate(QAbstractItemView* view)
@@ -60,10 +59,8 @@ public:
     }
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
-        QStyleOptionViewItem row = option;
-        row.rect.setRight(qMin(row.rect.right(), m_viewport->rect().right()));
-        if (row.rect.bottom() <= m_viewport->rect().bottom())
-            QStyledItemDelegate::paint(painter, row, index);
+        if (option.rect.bottom() <= m_viewport->rect().bottom())
+            QStyledItemDelegate::paint(painter, option, index);
     }
 
 private:

@@ -782,7 +782,7 @@ private slots:
     void aLongTitleIsElidedAndDoesNotMoveTheList()
     {
         writeRadio(station(0, 0));
-        writePresets(channels(entry(QStringLiteral("a"), QStringLiteral("u"))
+        writePresets(channels(entry(QString(5000, QLatin1Char('W')), QStringLiteral("u"))
                               + entry(QString(5000, QLatin1Char('W')), QStringLiteral("u"))));
         ListScreen form;
         const QRect lastColumns(217, 14, 3, 14);
