@@ -48,6 +48,7 @@ public slots:
 
 private:
     void addSlides();
+    void choose(int index);
 
     std::unique_ptr<Ui::MenuForm> m_form;
     /** No entry until a mode was left. */
