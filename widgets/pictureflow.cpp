@@ -18,19 +18,7 @@ constexpr int keyJump = 10; // slides, with Control
 } // namespace
 
 struct PictureFlow::Private {
-    explicit Private(PictureFlow* widget)
-        : animator(&state)
-        , renderer(&state, widget)
-    {
-        state.reset();
-        state.reposition();
-        renderer.init();
-        animator.animateTimer.setObjectName(QStringLiteral("animateTimer"));
-        animator.animateTimer.setParent(widget);
-        triggerTimer.setObjectName(QStringLiteral("triggerTimer"));
-        triggerTimer.setParent(widget);
-        triggerTimer.setSingleShot(true);
-    }
+    explicit Private(PictureFlow* widget);
 
     PictureFlowState state;
     PictureFlowAnimator animator;
@@ -38,12 +26,26 @@ struct PictureFlow::Private {
     QTimer triggerTimer;
 };
 
+PictureFlow::Private::Private(PictureFlow* widget)
+    : animator(&state)
+    , renderer(&state, widget)
+{
+    state.reset();
+    state.reposition();
+    renderer.init();
+    animator.animateTimer.setParent(widget);
+    animator.animateTimer.setObjectName(QStringLiteral("animateTimer"));
+    triggerTimer.setParent(widget);
+    triggerTimer.setObjectName(QStringLiteral("triggerTimer"));
+    triggerTimer.setSingleShot(true);
+}
+
 PictureFlow::PictureFlow(QWidget* parent)
     : QWidget(parent)
     , d(std::make_unique<Private>(this))
 {
     connect(&d->animator.animateTimer, &QTimer::timeout, this, &PictureFlow::updateAnimation);
-    connect(&d->triggerTimer, &QTimer::timeout, this, qOverload<>(&PictureFlow::render));
+    connect(&d->triggerTimer, &QTimer::timeout, this, &PictureFlow::render);
     setAttribute(Qt::WA_StaticContents);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
@@ -211,13 +213,15 @@ void PictureFlow::paintEvent(QPaintEvent*)
 
 void PictureFlow::keyPressEvent(QKeyEvent* event)
 {
-    const bool jump = event->modifiers() == Qt::ControlModifier;
-    if (event->key() == Qt::Key_Left)
-        jump ? showSlide(d->state.centerIndex - keyJump) : showPrevious();
-    else if (event->key() == Qt::Key_Right)
-        jump ? showSlide(d->state.centerIndex + keyJump) : showNext();
-    else
+    const bool left = event->key() == Qt::Key_Left;
+    if (!left && event->key() != Qt::Key_Right)
         return event->ignore();
+    if (event->modifiers() == Qt::ControlModifier)
+        showSlide(d->state.centerIndex + (left ? -keyJump : keyJump));
+    else if (left)
+        showPrevious();
+    else
+        showNext();
     event->accept();
 }
 

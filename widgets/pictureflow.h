@@ -52,8 +52,9 @@ public:
     const PictureFlowAnimator& animator() const;
 
     /**
-     * The slide that the user has turned to. It runs ahead of the centre while the strip moves, and by turning on
-     * at either end it may leave the list. Whoever moves the strip by setCenterIndex() sets it too.
+     * The slide that the user has turned to. It runs ahead of the centre while the strip moves, and by
+     * turning on at either end it may leave the list. Whoever moves the strip by setCenterIndex() sets it
+     * too.
      */
     int focusIndex = 0;
 

@@ -9,9 +9,9 @@ class PictureFlowState;
 /**
  * Moves the strip of a PictureFlowState to another slide, one update() every 150 ms.
  *
- * Idle: step 0, timer stopped. Moving: step 1 (to the right in the list) or -1, timer running. While it moves,
- * start() only sets another target. The strip runs about half a slide an update when far from its target and
- * slows down near it. Without a state nothing moves.
+ * Idle: step 0, timer stopped. Moving: step 1 (to the right in the list) or -1, timer running. While it
+ * moves, start() only sets another target. The strip runs about half a slide an update when far from its
+ * target and slows down near it. Without a state nothing moves.
  */
 class PictureFlowAnimator {
 public:

@@ -33,58 +33,55 @@ void store(TwoPixels value, WidePixel* pixels)
 struct Taps {
     explicit Taps(PixelSpan span);
 
+    static constexpr int most = 2 * PictureFlowSurface::maximumSide + 1; // all rows, and a part of one more
     int first;
-    std::vector<TwoPixels> weights;
+    int count = 0;
+    TwoPixels weights[most];
 };
 
 Taps::Taps(PixelSpan span)
     : first(span.begin / one)
 {
     const double factor = double(opaque) / span.length();
-    weights.reserve(std::size_t(span.length() / one) + 2);
-    for (int pixel = first, sum = 0; sum < opaque; ++pixel) {
-        const int covered = std::min(opaque, int(((pixel + 1) * double(one) - span.begin) * factor + 0.5));
-        weights.push_back(TwoPixels{} + std::uint16_t(covered - sum));
-        sum = covered;
+    for (int sum = 0; sum < opaque; ++count) {
+        const double covered = (first + count + 1) * double(one) - span.begin;
+        const int newSum = std::min(opaque, int(covered * factor + 0.5));
+        weights[count] = TwoPixels{} + std::uint16_t(newSum - sum);
+        sum = newSum;
     }
 }
 
-/** Mixes rows of pixels: the sum of `count` of them, `stride` pixels apart, by their weights. */
-void mixMany(const WidePixel* source, std::ptrdiff_t stride, const std::vector<TwoPixels>& weights, int rows,
-             WidePixel* target)
+/** Mixes lines of pixels that begin `stride` pixels apart, by the weights of the taps. */
+void mixMany(const WidePixel* source, std::ptrdiff_t stride, const Taps& taps, int length, WidePixel* target)
 {
-    for (int row = 0; row < rows; row += pixelsAtOnce) {
+    for (int i = 0; i < length; i += pixelsAtOnce) {
         TwoPixels sum = TwoPixels{} + std::uint16_t(opaque / 2);
-        const WidePixel* pixels = source + row;
-        for (auto it = weights.begin(); it != weights.end(); ++it, pixels += stride)
-            sum += load(pixels) * *it;
-        store(sum >> 8, target + row);
+        for (int k = 0; k < taps.count; ++k)
+            sum += load(source + i + k * stride) * taps.weights[k];
+        store(sum >> 8, target + i);
     }
 }
 
-/** The same for a few, with the loop over them unrolled. */
+/** The same for a few lines, with the inner loop unrolled. */
 template <int count>
-void mixFew(const WidePixel* source, std::ptrdiff_t stride, const std::vector<TwoPixels>& weights, int rows,
-            WidePixel* target)
+void mixFew(const WidePixel* source, std::ptrdiff_t stride, const Taps& taps, int length, WidePixel* target)
 {
-    TwoPixels w[count];
-    std::copy_n(weights.begin(), count, w);
-    for (int row = 0; row < rows; row += pixelsAtOnce) {
+    TwoPixels weights[count];
+    std::copy_n(taps.weights, count, weights);
+    for (int i = 0; i < length; i += pixelsAtOnce) {
         TwoPixels sum = TwoPixels{} + std::uint16_t(opaque / 2);
 #pragma GCC unroll 4
         for (int k = 0; k < count; ++k)
-            sum += load(source + row + k * stride) * w[k];
-        store(sum >> 8, target + row);
+            sum += load(source + i + k * stride) * weights[k];
+        store(sum >> 8, target + i);
     }
 }
 
-using Mixer = void (*)(const WidePixel*, std::ptrdiff_t, const std::vector<TwoPixels>&, int, WidePixel*);
-constexpr Mixer mixers[] = {mixMany, mixFew<1>, mixFew<2>, mixFew<3>, mixFew<4>};
-
-void mix(const WidePixel* source, std::ptrdiff_t stride, const Taps& taps, int rows, WidePixel* target)
+void mix(const WidePixel* source, std::ptrdiff_t stride, const Taps& taps, int length, WidePixel* target)
 {
-    const std::size_t count = taps.weights.size();
-    mixers[count < std::size(mixers) ? count : 0](source, stride, taps.weights, rows, target);
+    constexpr decltype(&mixMany) few[] = {mixMany, mixFew<1>, mixFew<2>, mixFew<3>, mixFew<4>};
+    const auto mixer = taps.count < int(std::size(few)) ? few[taps.count] : mixMany;
+    mixer(source, stride, taps, length, target);
 }
 
 /** The pixel between the rows that `begin` lies on, each channel rounded. */
@@ -95,7 +92,7 @@ inline WidePixel pixelAt(const WidePixel* rows, unsigned begin)
     return ((row[0] << 8) + (row[1] - row[0]) * fraction + halfOfEach) >> 8 & channelMask;
 }
 
-/** `weight` 256ths of a pixel over an opaque one. */
+/** A premultiplied pixel with `blend` 256ths of its opacity over an opaque one. */
 QRgb blended(WidePixel pixel, QRgb under, int blend)
 {
     const auto weight = unsigned(blend);
@@ -126,20 +123,37 @@ PixelSpan sampledPart(PixelSpan span, int pixels)
     return {start, start + one};
 }
 
+bool ProjectedColumn::isUnscaled() const
+{
+    return rowsPerPixel == one && top == std::floor(top) && columns.begin % one == 0
+        && columns.length() == one;
+}
+
 PictureFlowPainter::PictureFlowPainter(QImage& frame, const PictureFlowSurface& surface)
     : m_bits(reinterpret_cast<QRgb*>(frame.bits()))
     , m_stride(frame.bytesPerLine() / std::ptrdiff_t(sizeof(QRgb)))
     , m_frameHeight(frame.height())
     , m_surface(surface)
-    , m_rows(2 * std::size_t(surface.columnStride()) + 2 * pixelsAtOnce)
+    , m_rows(2 * std::size_t(surface.columnStride()) + 2 * pixelsAtOnce) // what a box of all rows reaches
 {
 }
 
 void PictureFlowPainter::paint(const ProjectedColumn& column)
 {
+    if (column.solid && column.isUnscaled())
+        return copyRows(column);
     mixColumns(column.columns);
     mixRows(std::min(column.rowsPerPixel, m_surface.height() * one));
     paintRows(column);
+}
+
+void PictureFlowPainter::copyRows(const ProjectedColumn& column)
+{
+    const int first = int(std::max(0.0, column.top));
+    const int end = int(std::min(double(m_frameHeight), column.bottom(m_surface.height())));
+    const WidePixel* source = m_surface.column(column.columns.begin / one) - int(column.top);
+    for (int y = first; y < end; ++y)
+        m_bits[y * m_stride + column.x] = narrowPixel(source[y]);
 }
 
 void PictureFlowPainter::mixColumns(PixelSpan columns)
@@ -154,9 +168,9 @@ void PictureFlowPainter::mixRows(int box)
     if (box <= one)
         return;
     const Taps taps({0, box});
-    const auto height = std::size_t(m_surface.height());
-    std::fill_n(m_rows.begin() + m_surface.height(), taps.weights.size() + pixelsAtOnce, m_rows[height - 1]);
-    mix(m_rows.data(), 1, taps, m_surface.height(), m_rows.data());
+    const int height = m_surface.height();
+    std::fill_n(m_rows.begin() + height, taps.count + pixelsAtOnce, m_rows[std::size_t(height) - 1]);
+    mix(m_rows.data(), 1, taps, height, m_rows.data());
 }
 
 void PictureFlowPainter::paintRows(const ProjectedColumn& column)
@@ -164,31 +178,30 @@ void PictureFlowPainter::paintRows(const ProjectedColumn& column)
     const int limit = m_surface.height() * one;
     const int step = column.rowsPerPixel;
     const int box = std::clamp(step, one, limit);
-    const double bottom = column.top + double(limit) / step;
     int y = int(std::max(0.0, std::floor(column.top)));
-    const int end = int(std::min(double(m_frameHeight), std::ceil(bottom)));
-    PixelSpan span;
-    span.begin = int(std::lround((y - column.top) * step));
+    const int end = int(std::min(double(m_frameHeight), std::ceil(column.bottom(m_surface.height()))));
+    PixelSpan seen;
+    seen.begin = int(std::lround((y - column.top) * step));
     QRgb* pixel = m_bits + y * m_stride + column.x;
     while (y < end) {
-        int begin = span.begin - (box - step) / 2;
+        const int begin = seen.begin - (box - step) / 2;
         int count = 1;
         if (column.solid && begin >= 0 && begin + box <= limit) {
             count = std::min(end - y, (limit - box - begin) / step + 1);
-            paintInside(pixel, begin, step, count);
+            paintSolid(pixel, begin, step, count);
         } else {
-            span.end = span.begin + step;
-            const int visible = coverage(span, m_surface.height()) * column.blend / opaque;
-            *pixel
-                = blended(pixelAt(m_rows.data(), unsigned(std::clamp(begin, 0, limit - box))), *pixel, visible);
+            seen.end = seen.begin + step;
+            const int visible = coverage(seen, m_surface.height()) * column.blend / opaque;
+            *pixel =
+                blended(pixelAt(m_rows.data(), unsigned(std::clamp(begin, 0, limit - box))), *pixel, visible);
         }
         y += count;
-        span.begin += count * step;
+        seen.begin += count * step;
         pixel += count * m_stride;
     }
 }
 
-void PictureFlowPainter::paintInside(QRgb* pixel, int begin, int step, int count) const
+void PictureFlowPainter::paintSolid(QRgb* pixel, int begin, int step, int count) const
 {
     const WidePixel* const rows = m_rows.data();
     const std::ptrdiff_t stride = m_stride;

@@ -7,15 +7,6 @@
 #include <cstddef>
 #include <vector>
 
-/** A stretch of a row or column of pixels, 65536 to a pixel. */
-struct PixelSpan {
-    static constexpr int one = 65536;
-
-    int begin = 0;
-    int end = 0;
-    int length() const { return end - begin; }
-};
-
 /** How much of a span lies on the first `pixels` pixels, in 256ths. */
 int coverage(PixelSpan span, int pixels);
 
@@ -30,12 +21,19 @@ struct ProjectedColumn {
     int rowsPerPixel = PixelSpan::one; ///< 65536 to a row
     int blend = 256; ///< 256 opaque to 0 invisible
     bool solid = true; ///< nothing is seen through it
+
+    /** Where the lower edge of a surface of `height` rows lies in the frame. */
+    double bottom(int height) const { return top + double(height) * PixelSpan::one / rowsPerPixel; }
+
+    /** Whether the surface is seen pixel by pixel. */
+    bool isUnscaled() const;
 };
 
 /**
- * Paints a surface into a frame one screen column at a time. A screen column is the mean of the surface columns
- * that it covers, and of it each pixel is the mean of about the rows that it covers, so that edges are smooth
- * and nothing flickers while a slide moves. A surface that is seen pixel by pixel is copied unchanged.
+ * Paints a surface into a frame one screen column at a time. A screen column is the mean of the surface
+ * columns that it covers, and of it each pixel is the mean of about the rows that it covers, so that edges
+ * are smooth and nothing flickers while a slide moves. A surface that is seen pixel by pixel is copied
+ * unchanged.
  *
  * The frame has 32 bits a pixel; frame and surface outlive the painter.
  */
@@ -49,7 +47,8 @@ private:
     void mixColumns(PixelSpan columns);
     void mixRows(int box);
     void paintRows(const ProjectedColumn& column);
-    void paintInside(QRgb* pixel, int begin, int step, int count) const;
+    void paintSolid(QRgb* pixel, int begin, int step, int count) const;
+    void copyRows(const ProjectedColumn& column);
 
     QRgb* m_bits;
     std::ptrdiff_t m_stride;

@@ -7,9 +7,9 @@
 /**
  * The eye that looks at the strip, in measures of the slide: the picture is the same at any slide size.
  *
- * The slides stand upright on an even floor that mirrors them. A slide's cx is its place along the strip and its cy
- * how far it stands back on the floor; standing back it is smaller and, because the eye is above its foot, its foot
- * is higher. At cx 0, cy 0 and angle 0 a slide is seen pixel by pixel.
+ * The slides stand upright on an even floor that mirrors them. A slide's cx is its place along the strip and
+ * its cy how far it stands back on the floor; standing back it is smaller and, because the eye is above its
+ * foot, its foot is higher. At cx 0, cy 0 and angle 0 a slide is seen pixel by pixel.
  */
 namespace FlowEye {
 

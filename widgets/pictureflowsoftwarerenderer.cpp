@@ -1,6 +1,5 @@
 #include "widgets/pictureflowsoftwarerenderer.h"
 
-#include "widgets/pictureflowpainter.h"
 #include "widgets/pictureflowprojection.h"
 #include "widgets/pictureflowstate.h"
 
@@ -10,17 +9,22 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
-int boundedFloor(double value, int limit)
-{
-    return int(std::floor(std::clamp(value, 0.0, double(limit))));
-}
+constexpr int opaque = 256;
+constexpr double mostRowsPerPixel = 16384; // a slide seen smaller is nothing but a dot
 
-int boundedCeil(double value, int limit)
+/** The rows of a screen column that are hidden from what is behind, none at first. */
+struct HiddenRows {
+    int begin = 0;
+    int end = 0;
+};
+
+int rowsPerPixel(double rows)
 {
-    return int(std::ceil(std::clamp(value, 0.0, double(limit))));
+    return std::max(1, int(std::min(rows, mostRowsPerPixel) * PixelSpan::one + 0.5));
 }
 
 } // namespace
@@ -50,69 +54,124 @@ void PictureFlowSoftwareRenderer::render()
         m_frame = QImage(m_widget->size(), QImage::Format_RGB32);
         dirty = true;
     }
-    if (!dirty)
+    if (!dirty || m_frame.isNull())
         return;
     dirty = false;
-    m_frame.fill(m_state->backgroundColor);
-    renderSlides();
-    forgetOutdated();
+    fillBackground();
+    projectSlides();
+    dropHiddenColumns();
+    for (const Projected& slide : m_projected) {
+        PictureFlowPainter painter(m_frame, *slide.surface);
+        for (const ProjectedColumn& column : slide.columns)
+            painter.paint(column);
+    }
+    forgetFarSlides();
 }
 
-void PictureFlowSoftwareRenderer::renderSlides()
+void PictureFlowSoftwareRenderer::fillBackground()
 {
+    const auto width = std::size_t(m_frame.width());
+    QRgb* const firstRow = reinterpret_cast<QRgb*>(m_frame.bits());
+    std::fill_n(firstRow, width, m_state->backgroundColor | 0xFF000000);
+    for (int y = 1; y < m_frame.height(); ++y)
+        std::memcpy(m_frame.scanLine(y), firstRow, width * sizeof(QRgb));
+}
+
+void PictureFlowSoftwareRenderer::projectSlides()
+{
+    forgetOtherSettings();
+    m_projected.clear();
     const auto& left = m_state->leftSlides;
     const auto& right = m_state->rightSlides;
-    std::for_each(left.rbegin(), left.rend(), [this](const SlideInfo& slide) { renderSlide(slide); });
-    std::for_each(right.rbegin(), right.rend(), [this](const SlideInfo& slide) { renderSlide(slide); });
-    renderSlide(m_state->centerSlide);
+    std::for_each(left.rbegin(), left.rend(), [this](const SlideInfo& slide) { projectSlide(slide); });
+    std::for_each(right.rbegin(), right.rend(), [this](const SlideInfo& slide) { projectSlide(slide); });
+    projectSlide(m_state->centerSlide);
 }
 
-void PictureFlowSoftwareRenderer::renderSlide(const SlideInfo& slide)
+void PictureFlowSoftwareRenderer::projectSlide(const SlideInfo& slide)
 {
     const QImage* image = m_state->imageAt(slide.slideIndex);
+    if (!image || slide.blend <= 0)
+        return;
     const PictureFlowProjection projection(slide, *m_state, m_frame.size());
-    if (!image || slide.blend <= 0 || !projection.isVisible())
+    if (!projection.isVisible() || projection.left() >= m_frame.width() || projection.right() <= 0)
         return;
-    const int first = boundedFloor(projection.left(), m_frame.width());
-    const int end = boundedCeil(projection.right(), m_frame.width());
-    if (first >= end)
+    Projected projected{&surfaceOf(slide.slideIndex, *image), {}};
+    if (projected.surface->isEmpty())
         return;
-    const PictureFlowSurface& surface = surfaceOf(slide.slideIndex, *image);
-    if (surface.isEmpty())
-        return;
-    PictureFlowPainter painter(m_frame, surface);
+    projectColumns(projection, std::min(slide.blend, opaque), projected);
+    m_projected.push_back(std::move(projected));
+}
+
+void PictureFlowSoftwareRenderer::projectColumns(const PictureFlowProjection& projection, int blend,
+                                                 Projected& projected) const
+{
+    const PictureFlowSurface& surface = *projected.surface;
     const double columns = PixelSpan::one * double(surface.width()) / m_state->slideWidth;
     const double rows = double(surface.slideHeight()) / m_state->slideHeight;
-    PixelSpan span;
-    span.end = int(std::lround(projection.slideAt(first) * columns));
+    const int first = int(std::max(0.0, std::floor(projection.left())));
+    const int end = int(std::min(double(m_frame.width()), std::ceil(projection.right())));
+    projected.columns.reserve(std::size_t(std::max(0, end - first)));
+    PixelSpan seen;
+    seen.end = int(std::lround(projection.slideAt(first) * columns));
     for (int x = first; x < end; ++x) {
-        span = {span.end, int(std::lround(projection.slideAt(x + 1) * columns))};
+        seen = {seen.end, int(std::lround(projection.slideAt(x + 1) * columns))};
         const double scale = projection.scaleAt(x + 0.5);
-        const PixelSpan part=sampledPart(span,surface.width());
-        const int blend = coverage(span,surface.width())*slide.blend/256;
-        if(blend<=0)continue;
-        painter.paint({x, part, projection.topAt(scale), int(rows / scale*65536), blend, blend==256&&surface.isOpaque(part.begin/65536,(part.end-1)/65536)});
+        ProjectedColumn column;
+        column.x = x;
+        column.columns = sampledPart(seen, surface.width());
+        column.top = projection.topAt(scale);
+        column.rowsPerPixel = rowsPerPixel(rows / scale);
+        column.blend = coverage(seen, surface.width()) * blend / opaque;
+        column.solid = column.blend == opaque && surface.isOpaque(column.columns);
+        if (column.blend > 0)
+            projected.columns.push_back(column);
+    }
+}
+
+/** From the nearest slide backwards: a solid column of one hides what lies within it of those behind. */
+void PictureFlowSoftwareRenderer::dropHiddenColumns()
+{
+    std::vector<HiddenRows> hidden(std::size_t(m_frame.width()));
+    for (auto slide = m_projected.rbegin(); slide != m_projected.rend(); ++slide) {
+        const int height = slide->surface->height();
+        const auto isHidden = [&](const ProjectedColumn& column) {
+            HiddenRows& rows = hidden[std::size_t(column.x)];
+            const double bottom = column.bottom(height);
+            if (column.top >= rows.begin && bottom <= rows.end)
+                return true;
+            if (column.solid && bottom - column.top > rows.end - rows.begin)
+                rows = {int(std::ceil(column.top)), int(std::floor(bottom))};
+            return false;
+        };
+        auto& columns = slide->columns;
+        columns.erase(std::remove_if(columns.begin(), columns.end(), isHidden), columns.end());
     }
 }
 
 const PictureFlowSurface& PictureFlowSoftwareRenderer::surfaceOf(int index, const QImage& image)
 {
-    const QSize size(m_state->slideWidth, m_state->slideHeight);
-    if (size != m_preparedSize || m_state->reflectionEffect != m_preparedEffect
-        || m_state->backgroundColor != m_preparedGround) {
-        m_prepared.clear();
-        m_preparedSize = size;
-        m_preparedEffect = m_state->reflectionEffect;
-        m_preparedGround = m_state->backgroundColor;
-    }
     Prepared& prepared = m_prepared[index];
     if (prepared.imageKey != image.cacheKey())
-        prepared = {image.cacheKey(), PictureFlowSurface(image, size, m_preparedEffect, m_preparedGround)};
+        prepared = {image.cacheKey(),
+                    PictureFlowSurface(image, m_preparedSize, m_preparedEffect, m_preparedGround)};
     return prepared.surface;
 }
 
-/** Keeps what is prepared for the strip as it stands, and a slide more on either side. */
-void PictureFlowSoftwareRenderer::forgetOutdated()
+void PictureFlowSoftwareRenderer::forgetOtherSettings()
+{
+    const QSize size(m_state->slideWidth, m_state->slideHeight);
+    if (size == m_preparedSize && m_state->reflectionEffect == m_preparedEffect
+        && m_state->backgroundColor == m_preparedGround)
+        return;
+    m_prepared.clear();
+    m_preparedSize = size;
+    m_preparedEffect = m_state->reflectionEffect;
+    m_preparedGround = m_state->backgroundColor;
+}
+
+/** Keeps what is prepared for the strip as it stands and one slide more on either side. */
+void PictureFlowSoftwareRenderer::forgetFarSlides()
 {
     for (auto it = m_prepared.begin(); it != m_prepared.end();) {
         const bool near = std::abs(it->first - m_state->centerIndex) <= PictureFlowState::slidesPerSide + 1;

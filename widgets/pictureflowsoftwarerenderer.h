@@ -1,5 +1,6 @@
 #pragma once
 
+#include "widgets/pictureflowpainter.h"
 #include "widgets/pictureflowsurface.h"
 
 #include <QImage>
@@ -15,11 +16,11 @@ class QWidget;
 struct SlideInfo;
 
 /**
- * Draws the strip of a PictureFlowState into a buffer of the widget's size, and that onto the widget.
+ * Draws the strip of a PictureFlowState into a frame of the widget's size, and that onto the widget.
  *
  * Over the background come the left slides from the outermost inwards, the right slides likewise, then the
  * centre slide. Each slide is scaled and reflected once and kept while it is near the centre; a frame only
- * projects it, column by column.
+ * projects it. Columns of a slide that nearer ones hide are left out.
  */
 class PictureFlowSoftwareRenderer {
 public:
@@ -28,7 +29,7 @@ public:
     /** Forgets every prepared slide. */
     void init();
 
-    /** Draws the frame anew where it is out of date. */
+    /** Draws the frame anew if it is out of date. */
     void render();
 
     /** render(), then the frame onto the widget; from within its paint event. */
@@ -43,16 +44,26 @@ private:
         qint64 imageKey = 0;
         PictureFlowSurface surface;
     };
+    struct Projected {
+        const PictureFlowSurface* surface;
+        std::vector<ProjectedColumn> columns;
+    };
 
-    void renderSlides();
-    void renderSlide(const SlideInfo& slide);
+    void fillBackground();
+    void forgetOtherSettings();
+    void forgetFarSlides();
     const PictureFlowSurface& surfaceOf(int index, const QImage& image);
-    void forgetOutdated();
+    void projectSlides();
+    void projectSlide(const SlideInfo& slide);
+    void projectColumns(const PictureFlowProjection& projection, int blend, Projected& projected) const;
+    void dropHiddenColumns();
 
     const PictureFlowState* m_state;
     QWidget* m_widget;
     QImage m_frame;
-    std::unordered_map<int, Prepared> m_prepared;
+    std::vector<Projected> m_projected; ///< in the order of painting
+
+    std::unordered_map<int, Prepared> m_prepared; ///< by slide index
     QSize m_preparedSize;
     PictureFlow::ReflectionEffect m_preparedEffect = PictureFlow::NoReflection;
     QRgb m_preparedGround = 0;

@@ -16,7 +16,8 @@ namespace FlowMath {
 int sine(int angle);
 int cosine(int angle);
 
-/** The product of a number of any scale and one that has 1024 as one, rounded down, in the first one's scale. */
+/** The product of a number of any scale and one that has 1024 as one, rounded down, in the first one's scale.
+ */
 int multiply(int a, int b);
 
 } // namespace FlowMath

@@ -74,7 +74,8 @@ void softenDownwards(QImage& image, int passes)
         smoothRows(image, 1 + pass * image.height() / passes);
 }
 
-/** `share` 256ths of a premultiplied pixel over an opaque ground that is seen through where the pixel is clear. */
+/** `share` 256ths of a premultiplied pixel over an opaque ground that is seen through where the pixel is
+ * clear. */
 QRgb mixedWithGround(QRgb pixel, QRgb ground, int share)
 {
     const int alpha = qAlpha(pixel);
@@ -127,8 +128,10 @@ PictureFlowSurface::PictureFlowSurface(const QImage& image, QSize slideSize,
     countTranslucentColumns();
 }
 
-bool PictureFlowSurface::isOpaque(int first, int last) const
+bool PictureFlowSurface::isOpaque(PixelSpan columns) const
 {
+    const int first = columns.begin / PixelSpan::one;
+    const int last = (columns.end - 1) / PixelSpan::one;
     return m_translucentBefore[std::size_t(last) + 1] == m_translucentBefore[std::size_t(first)];
 }
 

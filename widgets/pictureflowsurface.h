@@ -10,9 +10,18 @@
 #include <cstdint>
 #include <vector>
 
+/** A stretch of a row or column of pixels, 65536 to a pixel. */
+struct PixelSpan {
+    static constexpr int one = 65536;
+
+    int begin = 0;
+    int end = 0;
+    int length() const { return end - begin; }
+};
+
 /**
- * A premultiplied pixel with each channel in 16 bits, from the lowest: blue, red, green, alpha. Pixels that are
- * weighted by parts of 256 can be added up in it without a carry between channels.
+ * A premultiplied pixel with each channel in 16 bits, from the lowest: blue, red, green, alpha. Pixels that
+ * are weighted by parts of 256 can be added up in it without a carry between channels.
  */
 using WidePixel = std::uint64_t;
 
@@ -28,8 +37,8 @@ constexpr QRgb narrowPixel(WidePixel pixel)
 }
 
 /**
- * A slide made ready for drawing: its image scaled to the slide size, with the reflection that the effect asks
- * for below it. It is stored by columns, the way the painter reads it.
+ * A slide made ready for drawing: its image scaled to the slide size, with the reflection that the effect
+ * asks for below it. It is stored by columns, the way the painter reads it.
  *
  * A slide larger than `maximumSide` pixels is prepared at that size, to be enlarged while it is drawn. A null
  * image or an empty size gives an empty surface.
@@ -40,17 +49,19 @@ public:
     static constexpr int rowAlignment = 2;
 
     PictureFlowSurface() = default;
-    PictureFlowSurface(const QImage& image, QSize slideSize, PictureFlow::ReflectionEffect effect, QRgb ground);
+    PictureFlowSurface(const QImage& image, QSize slideSize, PictureFlow::ReflectionEffect effect,
+                       QRgb ground);
 
     bool isEmpty() const { return m_pixels.empty(); }
     int width() const { return m_width; }
     int height() const { return m_height; } ///< of the slide and its reflection
     int slideHeight() const { return m_slideHeight; }
 
-    /** Whether the columns `first` to `last` have no pixel that one can see through. */
-    bool isOpaque(int first, int last) const;
+    /** Whether the columns of a span have no pixel that one can see through. */
+    bool isOpaque(PixelSpan columns) const;
 
-    /** Pixels from one column to the next: a multiple of rowAlignment, so that as many can be read at once. */
+    /** Pixels from one column to the next: a multiple of rowAlignment, so that as many can be read at once.
+     */
     int columnStride() const { return (m_height + rowAlignment - 1) / rowAlignment * rowAlignment; }
 
     /** The `height()` pixels of one column, from the top down. */
