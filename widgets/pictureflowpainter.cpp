@@ -125,8 +125,8 @@ PixelSpan sampledPart(PixelSpan span, int pixels)
 
 bool ProjectedColumn::isUnscaled() const
 {
-    return rowsPerPixel == one && top == std::floor(top) && columns.begin % one == 0
-        && columns.length() == one;
+    const bool wholeColumn = columns.begin % one == 0 && columns.length() == one;
+    return wholeColumn && rowsPerPixel == one && top == std::floor(top);
 }
 
 PictureFlowPainter::PictureFlowPainter(QImage& frame, const PictureFlowSurface& surface)
@@ -149,11 +149,12 @@ void PictureFlowPainter::paint(const ProjectedColumn& column)
 
 void PictureFlowPainter::copyRows(const ProjectedColumn& column)
 {
-    const int first = int(std::max(0.0, column.top));
-    const int end = int(std::min(double(m_frameHeight), column.bottom(m_surface.height())));
-    const WidePixel* source = m_surface.column(column.columns.begin / one) - int(column.top);
+    const WidePixel* const source = m_surface.column(column.columns.begin / one);
+    const int top = int(column.top);
+    const int first = std::max(0, top);
+    const int end = std::min(m_frameHeight, top + m_surface.height());
     for (int y = first; y < end; ++y)
-        m_bits[y * m_stride + column.x] = narrowPixel(source[y]);
+        m_bits[y * m_stride + column.x] = narrowPixel(source[y - top]);
 }
 
 void PictureFlowPainter::mixColumns(PixelSpan columns)
@@ -178,8 +179,11 @@ void PictureFlowPainter::paintRows(const ProjectedColumn& column)
     const int limit = m_surface.height() * one;
     const int step = column.rowsPerPixel;
     const int box = std::clamp(step, one, limit);
-    int y = int(std::max(0.0, std::floor(column.top)));
-    const int end = int(std::min(double(m_frameHeight), std::ceil(column.bottom(m_surface.height()))));
+    const double height = m_frameHeight;
+    int y = int(std::clamp(std::floor(column.top), 0.0, height));
+    const int end = int(std::clamp(std::ceil(column.bottom(m_surface.height())), 0.0, height));
+    if (y >= end)
+        return;
     PixelSpan seen;
     seen.begin = int(std::lround((y - column.top) * step));
     QRgb* pixel = m_bits + y * m_stride + column.x;

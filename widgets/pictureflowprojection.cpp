@@ -36,8 +36,17 @@ bool PictureFlowProjection::isVisible() const
         && left() < right();
 }
 
+double PictureFlowProjection::scaleAt(double screenX) const
+{
+    return scale(std::clamp(acrossAt(screenX), -m_halfWidth, m_halfWidth));
+}
+
+/** Beyond the edges of a slide the view may run to the horizon of its plane; there is the far end of it. */
 double PictureFlowProjection::acrossAt(double screenX) const
 {
     const double x = screenX - m_eyeX;
-    return (x * (m_distance + m_depth) - m_x * m_distance) / (m_cosine * m_distance - x * m_sine);
+    const double towardsHorizon = m_cosine * m_distance - x * m_sine;
+    if (towardsHorizon <= 0)
+        return std::copysign(HUGE_VAL, m_sine);
+    return (x * (m_distance + m_depth) - m_x * m_distance) / towardsHorizon;
 }

@@ -34,7 +34,7 @@ public:
     double slideAt(double screenX) const { return acrossAt(screenX) + m_halfWidth; }
 
     /** The size at which the slide is seen at `screenX`; 1 is pixel by pixel. */
-    double scaleAt(double screenX) const { return scale(acrossAt(screenX)); }
+    double scaleAt(double screenX) const;
 
     /** Where the upper edge of the slide appears where it is seen at `scale`. */
     double topAt(double scale) const { return m_eyeY + (m_top - m_eyeY) * scale; }

@@ -18,9 +18,16 @@ constexpr double mostRowsPerPixel = 16384; // a slide seen smaller is nothing bu
 
 /** The rows of a screen column that are hidden from what is behind, none at first. */
 struct HiddenRows {
-    int begin = 0;
-    int end = 0;
+    double begin = 0;
+    double end = 0;
 };
+
+/** A place on the surface; far beyond its edges it goes no farther, nor where the view has no such place. */
+int boundedPlace(double place)
+{
+    constexpr double farthest = 1 << 29;
+    return int(std::lround(std::fmax(-farthest, std::fmin(place, farthest))));
+}
 
 int rowsPerPixel(double rows)
 {
@@ -81,6 +88,8 @@ void PictureFlowSoftwareRenderer::projectSlides()
 {
     forgetOtherSettings();
     m_projected.clear();
+    if (m_preparedSize.isEmpty())
+        return;
     const auto& left = m_state->leftSlides;
     const auto& right = m_state->rightSlides;
     std::for_each(left.rbegin(), left.rend(), [this](const SlideInfo& slide) { projectSlide(slide); });
@@ -111,11 +120,10 @@ void PictureFlowSoftwareRenderer::projectColumns(const PictureFlowProjection& pr
     const double rows = double(surface.slideHeight()) / m_state->slideHeight;
     const int first = int(std::max(0.0, std::floor(projection.left())));
     const int end = int(std::min(double(m_frame.width()), std::ceil(projection.right())));
-    projected.columns.reserve(std::size_t(std::max(0, end - first)));
     PixelSpan seen;
-    seen.end = int(std::lround(projection.slideAt(first) * columns));
+    seen.end = boundedPlace(projection.slideAt(first) * columns);
     for (int x = first; x < end; ++x) {
-        seen = {seen.end, int(std::lround(projection.slideAt(x + 1) * columns))};
+        seen = {seen.end, boundedPlace(projection.slideAt(x + 1) * columns)};
         const double scale = projection.scaleAt(x + 0.5);
         ProjectedColumn column;
         column.x = x;
@@ -141,7 +149,7 @@ void PictureFlowSoftwareRenderer::dropHiddenColumns()
             if (column.top >= rows.begin && bottom <= rows.end)
                 return true;
             if (column.solid && bottom - column.top > rows.end - rows.begin)
-                rows = {int(std::ceil(column.top)), int(std::floor(bottom))};
+                rows = {std::ceil(column.top), std::floor(bottom)};
             return false;
         };
         auto& columns = slide->columns;
