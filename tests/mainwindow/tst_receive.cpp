@@ -115,8 +115,7 @@ private slots:
                 + QStringList(parseKey);
         QTest::newRow("up to four missing bytes pass and are not waited for")
             << bytes("0500030088")
-            << QStringList({stack, cut, check}) + traced("0005", "0003", "88")
-                + QStringList(parseKey);
+            << QStringList({stack, cut, check}) + traced("0005", "0003", "88") + QStringList(parseKey);
         QTest::newRow("five missing bytes do not")
             << bytes("0500060088")
             << QStringList({stack, cut, check}) + sizeError(5, 6, "05000600") + QStringList(cut);
