@@ -123,10 +123,10 @@ PixelSpan sampledPart(PixelSpan span, int pixels)
     return {start, start + one};
 }
 
-bool ProjectedColumn::isUnscaled() const
+bool ProjectedColumn::isCopy() const
 {
     const bool wholeColumn = columns.begin % one == 0 && columns.length() == one;
-    return wholeColumn && rowsPerPixel == one && top == std::floor(top);
+    return solid && wholeColumn && rowsPerPixel == one && top == std::floor(top);
 }
 
 PictureFlowPainter::PictureFlowPainter(QImage& frame, const PictureFlowSurface& surface)
@@ -138,23 +138,42 @@ PictureFlowPainter::PictureFlowPainter(QImage& frame, const PictureFlowSurface& 
 {
 }
 
-void PictureFlowPainter::paint(const ProjectedColumn& column)
+void PictureFlowPainter::paint(const std::vector<ProjectedColumn>& columns)
 {
-    if (column.solid && column.isUnscaled())
-        return copyRows(column);
+    for (auto column = columns.begin(); column != columns.end();) {
+        const auto copiedWithIt = [&, first = column](const ProjectedColumn& other) {
+            const int distance = int(&other - &*first);
+            return other.isCopy() && other.top == first->top && other.x == first->x + distance
+                && other.columns.begin == first->columns.begin + distance * one;
+        };
+        const auto copyEnd = std::find_if_not(column, columns.end(), copiedWithIt);
+        if (copyEnd != column)
+            copy(*column, int(copyEnd - column));
+        else
+            paintMixed(*column);
+        column = std::max(copyEnd, column + 1);
+    }
+}
+
+/** Copies `count` columns side by side, row by row, as the frame lies in memory. */
+void PictureFlowPainter::copy(const ProjectedColumn& first, int count)
+{
+    const WidePixel* const source = m_surface.column(first.columns.begin / one);
+    const std::ptrdiff_t sourceStride = m_surface.columnStride();
+    const int top = int(first.top);
+    const int end = std::min(m_frameHeight, top + m_surface.height());
+    for (int y = std::max(0, top); y < end; ++y) {
+        QRgb* const target = m_bits + y * m_stride + first.x;
+        for (int i = 0; i < count; ++i)
+            target[i] = narrowPixel(source[i * sourceStride + (y - top)]);
+    }
+}
+
+void PictureFlowPainter::paintMixed(const ProjectedColumn& column)
+{
     mixColumns(column.columns);
     mixRows(std::min(column.rowsPerPixel, m_surface.height() * one));
     paintRows(column);
-}
-
-void PictureFlowPainter::copyRows(const ProjectedColumn& column)
-{
-    const WidePixel* const source = m_surface.column(column.columns.begin / one);
-    const int top = int(column.top);
-    const int first = std::max(0, top);
-    const int end = std::min(m_frameHeight, top + m_surface.height());
-    for (int y = first; y < end; ++y)
-        m_bits[y * m_stride + column.x] = narrowPixel(source[y - top]);
 }
 
 void PictureFlowPainter::mixColumns(PixelSpan columns)

@@ -25,8 +25,8 @@ struct ProjectedColumn {
     /** Where the lower edge of a surface of `height` rows lies in the frame. */
     double bottom(int height) const { return top + double(height) * PixelSpan::one / rowsPerPixel; }
 
-    /** Whether the surface is seen pixel by pixel. */
-    bool isUnscaled() const;
+    /** Whether it covers what is behind with the surface's own pixels. */
+    bool isCopy() const;
 };
 
 /**
@@ -41,14 +41,15 @@ class PictureFlowPainter {
 public:
     PictureFlowPainter(QImage& frame, const PictureFlowSurface& surface);
 
-    void paint(const ProjectedColumn& column);
+    void paint(const std::vector<ProjectedColumn>& columns);
 
 private:
+    void paintMixed(const ProjectedColumn& column);
+    void copy(const ProjectedColumn& first, int count);
     void mixColumns(PixelSpan columns);
     void mixRows(int box);
     void paintRows(const ProjectedColumn& column);
     void paintSolid(QRgb* pixel, int begin, int step, int count) const;
-    void copyRows(const ProjectedColumn& column);
 
     QRgb* m_bits;
     std::ptrdiff_t m_stride;

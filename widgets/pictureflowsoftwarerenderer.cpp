@@ -67,11 +67,8 @@ void PictureFlowSoftwareRenderer::render()
     fillBackground();
     projectSlides();
     dropHiddenColumns();
-    for (const Projected& slide : m_projected) {
-        PictureFlowPainter painter(m_frame, *slide.surface);
-        for (const ProjectedColumn& column : slide.columns)
-            painter.paint(column);
-    }
+    for (const Projected& slide : m_projected)
+        PictureFlowPainter(m_frame, *slide.surface).paint(slide.columns);
     forgetFarSlides();
 }
 
