@@ -5,6 +5,12 @@
 #include <QPainter>
 #include <QStyle>
 
+namespace {
+
+constexpr int mostOfABlank = 5; // pixels; less than three are hard to see as a blank
+
+} // namespace
+
 PlainLabel::PlainLabel(QWidget* parent)
     : QLabel(parent)
 {
@@ -13,16 +19,33 @@ PlainLabel::PlainLabel(QWidget* parent)
 
 void PlainLabel::paintEvent(QPaintEvent* event)
 {
-    if (drawableLine(text()) == text())
+    const QString drawable = drawableText(text());
+    const bool oneLine = drawableLine(drawable) == drawable;
+    const bool tooWide = oneLine && fontMetrics().horizontalAdvance(drawable) > contentsRect().width();
+    if (tooWide)
+        drawFitted(drawable);
+    else if (oneLine && drawable == text())
         QLabel::paintEvent(event);
     else
-        drawAs(drawableText(text()));
+        drawAs(drawable, font());
 }
 
-void PlainLabel::drawAs(const QString& text)
+/** A line that misses its place by little takes what it misses from its blanks; else its end is left out. */
+void PlainLabel::drawFitted(const QString& line)
+{
+    const int room = contentsRect().width();
+    const int missing = fontMetrics().horizontalAdvance(line) - room;
+    const int blanks = int(line.count(QLatin1Char(' ')));
+    QFont font = this->font();
+    if (missing <= blanks * mostOfABlank)
+        font.setWordSpacing(-(missing + blanks - 1) / blanks);
+    drawAs(QFontMetrics(font, this).elidedText(line, Qt::ElideRight, room), font);
+}
+
+void PlainLabel::drawAs(const QString& text, const QFont& font)
 {
     const bool leftToRight = !text.isRightToLeft();
-    const QFontMetrics metrics = fontMetrics();
+    const QFontMetrics metrics(font, this);
     QRect box = contentsRect();
     Qt::Alignment place =
         QStyle::visualAlignment(leftToRight ? Qt::LeftToRight : Qt::RightToLeft, alignment());
@@ -32,6 +55,7 @@ void PlainLabel::drawAs(const QString& text)
     }
     const int flags = int(place) | (leftToRight ? Qt::TextForceLeftToRight : Qt::TextForceRightToLeft);
     QPainter painter(this);
+    painter.setFont(font);
     drawFrame(&painter);
     style()->drawItemText(&painter, box, flags, palette(), isEnabled(), text, foregroundRole());
 }

@@ -81,6 +81,34 @@ private slots:
         QVERIFY(picture(text) != picture(QString()));
     }
 
+    /** The label has room for twenty-one letters of eight pixels; the ellipsis is as wide as two. */
+    void aLineThatIsTooWideEndsInAnEllipsis_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("shown");
+        const QString fits = QStringLiteral("abcdefghijklmnopqrstu");
+        QTest::newRow("fits") << fits << fits;
+        QTest::newRow("too wide") << fits + QLatin1Char('v') << QStringLiteral("abcdefghijklmnopqrs…");
+        QTest::newRow("controls need no room") << fits + QChar(0) << fits;
+        QTest::newRow("Korean") << QStringLiteral("종이등불과바닷가의노래모음")
+                                << QStringLiteral("종이등불과바닷가의…");
+    }
+    void aLineThatIsTooWideEndsInAnEllipsis()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, shown);
+        QCOMPARE(picture(text), picture(shown));
+    }
+
+    void aLineThatMissesItsPlaceByLittleTakesItFromItsBlanks()
+    {
+        const QImage fitted = picture(QStringLiteral("FILES:abcdefghi 123456"));
+        QVERIFY(fitted != picture(QStringLiteral("FILES:abcdefghi 1234…")));
+        QVERIFY(fitted.copy(0, 0, 120, 40) == picture(QStringLiteral("FILES:abcdefghi")).copy(0, 0, 120, 40));
+        QCOMPARE(picture(QStringLiteral("FILES:abcd efgh 12345678")),
+                 picture(QStringLiteral("FILES:abcd efgh 123…")));
+    }
+
     void theTextItselfStays()
     {
         PlainLabel label;
