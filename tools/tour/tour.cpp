@@ -2,24 +2,11 @@
 
 #include "mainwindow/mainwindow.h"
 #include "tools/supervisor/script.h"
+#include "tools/tour/panelclock.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
-#include <QTimer>
-
-namespace {
-
-/** Lets the panel go on by itself: animations, tickers and repaints. */
-void letPass(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-} // namespace
 
 Tour::Tour(const QString& path)
 {
@@ -55,13 +42,15 @@ QString Tour::addLine(const QString& line, const QDir& folder)
 QList<Picture> Tour::walk(MainWindow& window) const
 {
     QList<Picture> pictures;
+    PanelClock clock(window);
     for (const Step& step : m_steps) {
         if (!step.picture.isEmpty())
             pictures << Picture(step.picture, window.grab());
         else if (step.action.kind == Action::Kind::Wait)
-            letPass(step.action.value);
+            clock.advance(step.action.value);
         else
             window.stackBuff(step.action.packet);
+        clock.advance(0);
         QCoreApplication::processEvents();
     }
     return pictures;
