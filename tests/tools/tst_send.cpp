@@ -94,7 +94,7 @@ private slots:
     void optionsMayFollowTheVerb()
     {
         FakePanel panel;
-        const SupervisorRun run = runSupervisor({QStringLiteral("send"), QStringLiteral("--host=localhost"),
+        const SupervisorRun run = runSupervisor({QStringLiteral("send"), QStringLiteral("--host=127.0.0.1"),
                                                  QStringLiteral("--port=") + panel.portText(),
                                                  QStringLiteral("level"), QStringLiteral("7")});
         QCOMPARE(run.err, QString());
