@@ -28,9 +28,9 @@ QPixmap contactSheet(const QList<Picture>& pictures)
     painter.setPen(Qt::white);
     for (int i = 0; i < pictures.size(); ++i) {
         const QRect box = cell(i);
-        painter.drawPixmap(box.topLeft(), pictures.at(i).second);
+        painter.drawPixmap(box.topLeft(), pictures.at(i).pixmap);
         painter.drawText(QRect(box.bottomLeft(), QSize(box.width(), captionHeight)), Qt::AlignCenter,
-                         pictures.at(i).first);
+                         pictures.at(i).name);
     }
     return sheet;
 }

@@ -3,6 +3,7 @@
 #include "tools/tour/contactsheet.h"
 
 #include <QApplication>
+#include <QTextStream>
 
 #include <cstdio>
 
@@ -18,12 +19,27 @@ int fail(const QString& message)
 
 bool save(const QDir& folder, const Picture& picture)
 {
-    return picture.second.save(folder.filePath(picture.first + QStringLiteral(".png")));
+    return picture.pixmap.save(folder.filePath(picture.name + QStringLiteral(".png")));
+}
+
+/** One line a text: the picture's name, then left, top, width and height in pixels. */
+bool saveTexts(const QDir& folder, const QList<Picture>& pictures)
+{
+    QFile file(folder.filePath(QStringLiteral("texts.txt")));
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    QTextStream lines(&file);
+    for (const Picture& picture : pictures)
+        for (const QRect& text : picture.texts)
+            lines << picture.name << ' ' << text.x() << ' ' << text.y() << ' ' << text.width() << ' '
+                  << text.height() << '\n';
+    return true;
 }
 
 } // namespace
 
-/** vireo-tour TOUR FOLDER: plays the tour and saves its pictures and a contact sheet in the folder. */
+/** vireo-tour TOUR FOLDER: plays the tour and saves in the folder its pictures, a contact sheet and the
+ * places of the texts. */
 int main(int argc, char** argv)
 {
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
@@ -44,11 +60,13 @@ int main(int argc, char** argv)
     window.show();
     QCoreApplication::processEvents();
     QList<Picture> pictures = tour.walk(window);
-    pictures << Picture(QStringLiteral("contact-sheet"), contactSheet(pictures));
+    pictures << Picture{QStringLiteral("contact-sheet"), contactSheet(pictures), {}};
     for (const Picture& picture : pictures) {
         if (!save(folder, picture))
-            return fail(QStringLiteral("cannot save ") + picture.first + QStringLiteral(".png"));
+            return fail(QStringLiteral("cannot save ") + picture.name + QStringLiteral(".png"));
     }
+    if (!saveTexts(folder, pictures))
+        return fail(QStringLiteral("cannot save texts.txt"));
     std::printf("%d pictures in %s\n", int(pictures.size()), folder.absolutePath().toUtf8().constData());
     return 0;
 }
