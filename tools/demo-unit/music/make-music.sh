@@ -44,7 +44,7 @@ metaflac --set-tag="TITLE=노을 산책" --set-tag="ARTIST=종이등불" --set-t
 lame --quiet -m m -b 32 --id3v2-only --id3v2-utf16 --tn 4 \
     --tt "등불이 꺼지기 전에 우리가 함께 걷던 강변의 긴 산책길과 노래" \
     --ta "종이등불과 바닷가 마을의 작은 합창단" --tl "작은 시간, 긴 저녁: 라이브 녹음 모음집" \
-    "$work/river.wav" river-lanterns.mp3
+    "$work/river.wav" winter-river.mp3
 
 oggenc --quiet -q 0 --serial 1 -t "Quiet Hall 조용한 홀" -a "The Paper Lanterns" -l "Small Hours" -N 3 \
     -o evening/quiet-hall.ogg "$work/hall.wav"
