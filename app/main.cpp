@@ -1,3 +1,4 @@
+#include "app/displayguard.h"
 #include "app/dprintf.h"
 #include "app/qtcompat.h"
 #include "mainwindow/mainwindow.h"
@@ -61,7 +62,9 @@ int main(int argc, char** argv)
     qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
     // Version 5 of the toolkit takes widget fonts from the display's resolution all the same.
     qputenv("QT_FONT_DPI", "96");
+    DisplayGuard display("vireo");
     QApplication application(argc, argv);
+    display.release();
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 
     debugLevel = thresholdFrom(argc, argv);

@@ -122,6 +122,9 @@ private slots:
         row("--port 65536 send key esc", "--port: \"65536\" is not a number from 1 to 65535");
         row("--port", "--port: \"\" is not a number from 1 to 65535");
         row("--host", "--host needs a name or an address");
+        row("--at 3", "--at: \"3\" is not two numbers as 340,0");
+        row("--at 3,4,5", "--at: \"3,4,5\" is not two numbers as 340,0");
+        row("--at x,4", "--at: \"x,4\" is not two numbers as 340,0");
         row("--music /no/such", "--music: no music below \"/no/such\"");
         row("--music /proc/self/task", "--music: no music below \"/proc/self/task\"");
         row("script", "script needs one file name, or - for standard input");

@@ -1,6 +1,7 @@
 #include "tests/support/panelmain.h"
 #include "tests/tools/fakepanel.h"
 #include "tests/tools/supervisorrun.h"
+#include "tools/supervisor/commandline.h"
 #include "tools/supervisor/encoderknob.h"
 #include "tools/supervisor/frontpanel.h"
 #include "tools/supervisor/keybutton.h"
@@ -608,6 +609,14 @@ private slots:
             if (qobject_cast<QAbstractButton*>(control) && (control->focusPolicy() & Qt::TabFocus))
                 QVERIFY2(reached.contains(control), qPrintable(control->objectName()));
         QVERIFY(stage.knob()->focusPolicy() & Qt::TabFocus);
+    }
+
+    void commandLineGivesThePlace()
+    {
+        const CommandLine line = CommandLine::parse({QStringLiteral("--at"), QStringLiteral("340,-20")});
+        QCOMPARE(line.error, QString());
+        QCOMPARE(line.place.value_or(QPoint()), QPoint(340, -20));
+        QVERIFY(!CommandLine::parse({}).place);
     }
 
     void withoutADisplayItSaysSo_data()

@@ -38,6 +38,18 @@ QString takeMusic(const QString& value, CommandLine& into)
     return found ? QString() : QStringLiteral("--music: no music below \"%1\"").arg(value);
 }
 
+QString takePlace(const QString& value, CommandLine& into)
+{
+    const QStringList numbers = value.split(QLatin1Char(','));
+    bool isX = false;
+    bool isY = false;
+    const QPoint place(numbers.value(0).toInt(&isX), numbers.value(1).toInt(&isY));
+    if (!isX || !isY || numbers.size() != 2)
+        return QStringLiteral("--at: \"%1\" is not two numbers as 340,0").arg(value);
+    into.place = place;
+    return {};
+}
+
 QString takeHelp(const QString&, CommandLine& into)
 {
     into.run = CommandLine::Run::Help;
@@ -48,6 +60,7 @@ constexpr Option options[] = {
     {"--host", "HOST", "where the panel runs (127.0.0.1)", takeHost},
     {"--port", "PORT", "the panel's TCP port (5000)", takePort},
     {"--music", "FOLDER", "music for the window's disk", takeMusic},
+    {"--at", "X,Y", "where on the screen the window opens, in pixels", takePlace},
     {"--help", "", "prints this text", takeHelp},
     {"-h", "", "prints this text", takeHelp},
 };

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QPoint>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 /** What the program was started for. */
 struct CommandLine {
@@ -11,6 +14,7 @@ struct CommandLine {
     QString host = QStringLiteral("127.0.0.1");
     quint16 port = 5000;
     QString music; ///< Window: a folder of music to begin with
+    std::optional<QPoint> place; ///< Window: its corner on the screen
     QStringList words; ///< Send: the words of the packet; Script: the one file name
     QString error; ///< one line; empty when the arguments were understood
 

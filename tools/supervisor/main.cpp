@@ -1,3 +1,4 @@
+#include "app/displayguard.h"
 #include "tools/supervisor/commandline.h"
 #include "tools/supervisor/display.h"
 #include "tools/supervisor/script.h"
@@ -22,11 +23,15 @@ int runWindow(int& argc, char** argv, const CommandLine& commandLine)
     const QString problem = displayProblem();
     if (!problem.isEmpty())
         return failure(problem);
+    DisplayGuard display("vireo-supervisor");
     QApplication application(argc, argv);
+    display.release();
     QApplication::setApplicationDisplayName(QStringLiteral("Vireo supervisor"));
     SupervisorWindow window(commandLine.host, commandLine.port);
     if (!commandLine.music.isEmpty())
         window.openMusic(commandLine.music);
+    if (commandLine.place)
+        window.move(*commandLine.place);
     window.show();
     return QApplication::exec();
 }
