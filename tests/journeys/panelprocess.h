@@ -75,6 +75,7 @@ public:
         m_output.clear();
     }
 
+    qint64 processId() const { return m_process.processId(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     QTcpSocket& link() { return m_link; }
 
