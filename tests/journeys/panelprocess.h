@@ -12,10 +12,11 @@
  * it. */
 class PanelProcess {
 public:
-    explicit PanelProcess(const QStringList& arguments)
+    explicit PanelProcess(const QStringList& arguments,
+                          const QString& program = QStringLiteral(VIREO_PROGRAM))
     {
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(QStringLiteral(VIREO_PROGRAM), arguments);
+        m_process.start(program, arguments);
     }
     ~PanelProcess()
     {
