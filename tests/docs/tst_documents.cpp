@@ -1,0 +1,146 @@
+#include "tests/docs/document.h"
+#include "tests/support/panelmain.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+
+namespace {
+
+const QString root = QStringLiteral(VIREO_SOURCE_DIR "/");
+
+/** Files of the project with one of the endings, build folders and hidden ones left out. */
+QStringList projectFiles(const QStringList& endings)
+{
+    QStringList found;
+    for (QDirIterator it(root, endings, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
+        const QString path = it.next().mid(root.size());
+        if (!path.startsWith(QLatin1String("build")) && !path.contains(QLatin1String("/.")))
+            found << path;
+    }
+    found.sort();
+    return found;
+}
+
+/** The name by which a heading is linked to. */
+QString anchorOf(const QString& heading)
+{
+    QString anchor = heading.toLower();
+    anchor.remove(QRegularExpression(QStringLiteral("[^\\w\\- ]")));
+    return anchor.replace(QLatin1Char(' '), QLatin1Char('-'));
+}
+
+QStringList anchors(const QString& page)
+{
+    QStringList found;
+    for (const QString& heading : Document(page).headings())
+        found << anchorOf(heading);
+    return found;
+}
+
+void addPages()
+{
+    QTest::addColumn<QString>("page");
+    for (const QString& page : projectFiles({QStringLiteral("*.md")}))
+        QTest::newRow(qPrintable(page)) << page;
+}
+
+} // namespace
+
+/** What holds for every page: its links lead somewhere and what it names is there. */
+class DocumentsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void thePagesAreThere()
+    {
+        const QStringList pages = projectFiles({QStringLiteral("*.md")});
+        for (const char* page : {"README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/architecture.md",
+                                 "docs/protocol.md", "docs/configuration.md", "docs/unit.md"})
+            QVERIFY2(pages.contains(QLatin1String(page)), page);
+    }
+
+    void newestChangesAreOfThisVersion()
+    {
+        static const QRegularExpression version(QStringLiteral("vireo ([\\d.]+) "));
+        const QString banner = version.match(Document(QStringLiteral("app/main.cpp")).text()).captured(1);
+        const QString newest = Document(QStringLiteral("CHANGELOG.md")).headings().value(1);
+        QVERIFY(!banner.isEmpty());
+        QCOMPARE(newest.section(QLatin1Char(','), 0, 0), banner);
+    }
+
+    void linksLeadSomewhere_data() { addPages(); }
+    void linksLeadSomewhere()
+    {
+        QFETCH(QString, page);
+        static const QRegularExpression link(QStringLiteral("\\]\\(([^)\\s]+)\\)|(?:src|href)=\"([^\"]+)\""));
+        const QString text = Document(page).text();
+        for (auto matches = link.globalMatch(text); matches.hasNext();) {
+            const QRegularExpressionMatch match = matches.next();
+            const QString target = match.captured(1) + match.captured(2);
+            if (target.contains(QLatin1String("://")))
+                continue;
+            const QString file = target.section(QLatin1Char('#'), 0, 0);
+            const QString anchor = target.section(QLatin1Char('#'), 1);
+            const QString path =
+                file.isEmpty() ? page : QDir::cleanPath(QFileInfo(page).path() + QLatin1Char('/') + file);
+            QVERIFY2(QFileInfo::exists(root + path), qPrintable(target));
+            if (!anchor.isEmpty())
+                QVERIFY2(anchors(path).contains(anchor), qPrintable(target));
+        }
+    }
+
+    /** A code span that looks like a path of the tree is one; NAME stands for any name. */
+    void namedFilesAreThere_data() { addPages(); }
+    void namedFilesAreThere()
+    {
+        QFETCH(QString, page);
+        static const QRegularExpression path(QStringLiteral(
+            "^(?:\\.\\./)?[a-z][\\w-]*(?:/[\\w.-]+)*\\.(?:cpp|h|ui|qrc|md|sh|py|txt|svg|cmake|json)$"));
+        for (const QString& span : Document(page).code(Document(page).text())) {
+            if (!path.match(span).hasMatch() || span.contains(QLatin1String("NAME")))
+                continue;
+            const bool fromRoot = QFileInfo::exists(root + span);
+            const bool fromPage = QFileInfo::exists(root + QFileInfo(page).path() + QLatin1Char('/') + span);
+            QVERIFY2(fromRoot || fromPage, qPrintable(span));
+        }
+    }
+
+    /** Functions and members written Class::name are declared in a header that knows the class. */
+    void namedFunctionsAreThere()
+    {
+        QString headers;
+        for (const QString& path : projectFiles({QStringLiteral("*.h")}))
+            headers += Document(path).text();
+        static const QRegularExpression member(QStringLiteral("^(\\w+)::(\\w+)(\\(.*\\))?$"));
+        int checked = 0;
+        for (const QString& page : projectFiles({QStringLiteral("*.md")})) {
+            for (const QString& span : Document::code(Document(page).text())) {
+                const QRegularExpressionMatch match = member.match(span);
+                if (!match.hasMatch() || match.captured(1) == QLatin1String("Qt"))
+                    continue;
+                ++checked;
+                for (const QString& name : {match.captured(1), match.captured(2)})
+                    QVERIFY2(headers.contains(QRegularExpression(QStringLiteral("\\b%1\\b").arg(name))),
+                             qPrintable(span));
+            }
+        }
+        QVERIFY(checked > 10);
+    }
+
+    void pagesStandOnTheirOwn_data() { addPages(); }
+    void pagesStandOnTheirOwn()
+    {
+        QFETCH(QString, page);
+        if (page == QLatin1String("DEVELOPERS.md"))
+            return;
+        static const QRegularExpression elsewhere(
+            QStringLiteral("\\bspecs?\\b|\\bspecifi(?:ed|cation)s?\\b|\\bPart \\d"),
+            QRegularExpression::CaseInsensitiveOption);
+        const QRegularExpressionMatch match = elsewhere.match(Document(page).text());
+        QVERIFY2(!match.hasMatch(), qPrintable(match.captured()));
+    }
+};
+
+VIREO_TEST_MAIN(DocumentsTest)
+#include "tst_documents.moc"
