@@ -176,7 +176,8 @@ quint32 QMP3Parser::GetTagSize(QByteArray fourBytes)
 quint32 QMP3Parser::GetFrameSize(QByteArray fourBytes)
 {
     const quint32 size = joined(fourBytes, 8);
-    DPRINTF(1, "[ID3] MP3 Tag, Frame Size [ %u ]", size);
+    // a size from half of the range on shows negative
+    DPRINTF(1, "[ID3] MP3 Tag, Frame Size [ %d ]", int(size));
     return size;
 }
 

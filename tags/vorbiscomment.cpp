@@ -75,7 +75,8 @@ bool readVorbisComments(const QByteArray& block, qint64 start, const VorbisComme
     const quint32 count = numberAt(block, countAt);
     const int limit = (int(block.size()) - 8) / 4;
     if (qint64(count) > limit) {
-        DPRINTF(3, "%sVorbis size error %u > %d", sink.prefix, count, limit);
+        // a count from half of the range on shows negative
+        DPRINTF(3, "%sVorbis size error %d > %d", sink.prefix, int(count), limit);
         return false;
     }
     walkComments(block, countAt + numberBytes, count, sink);

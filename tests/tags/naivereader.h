@@ -99,6 +99,11 @@ private:
             number = number * 256 + quint8(byte);
         return number;
     }
+    /** Numbers of 32 bits are logged with their sign. */
+    static QByteArray asShown(qint64 number)
+    {
+        return QByteArray::number(number < 0x80000000LL ? number : number - 0x100000000LL);
+    }
     static QByteArray asCString(const QByteArray& bytes) { return QByteArray(bytes.constData()); }
     static QString utf8(const QByteArray& bytes) { return QString::fromUtf8(asCString(bytes)); }
 
@@ -183,7 +188,7 @@ private:
             return false;
         }
         const qint64 size = big(cut(body, at + 4, 4).leftJustified(4, '\0'));
-        print('V', "[ID3] MP3 Tag, Frame Size [ " + QByteArray::number(size) + " ]");
+        print('V', "[ID3] MP3 Tag, Frame Size [ " + asShown(size) + " ]");
         *content = cut(body, at + 10, size);
         return true;
     }
@@ -222,8 +227,7 @@ private:
         const qint64 count = little(cut(block, start + 4 + vendorSize, 4));
         const qint64 limit = (qint64(block.size()) - 8) / 4;
         if (count > limit) {
-            print('W',
-                  tag + "Vorbis size error " + QByteArray::number(count) + " > " + QByteArray::number(limit));
+            print('W', tag + "Vorbis size error " + asShown(count) + " > " + QByteArray::number(limit));
             return false;
         }
         qint64 at = start + 8 + vendorSize;

@@ -173,15 +173,18 @@ private slots:
     void countsThatCannotFit_data()
     {
         QTest::addColumn<quint32>("count");
-        QTest::newRow("1000 in 100 bytes") << 1000U;
-        QTest::newRow("one more than the limit") << 24U;
-        QTest::newRow("just below half of the range") << 0x7FFFFFFFU;
-        QTest::newRow("half of the range is not negative") << 0x80000000U;
-        QTest::newRow("all of the range is not negative") << 0xFFFFFFFFU;
+        QTest::addColumn<qint64>("shown");
+        QTest::newRow("1000 in 100 bytes") << 1000U << qint64(1000);
+        QTest::newRow("one more than the limit") << 24U << qint64(24);
+        QTest::newRow("just below half of the range") << 0x7FFFFFFFU << qint64(0x7FFFFFFF);
+        QTest::newRow("half of the range is too many and shows negative")
+            << 0x80000000U << qint64(-2147483648LL);
+        QTest::newRow("all of the range is too many and shows as minus one") << 0xFFFFFFFFU << qint64(-1);
     }
     void countsThatCannotFit()
     {
         QFETCH(quint32, count);
+        QFETCH(qint64, shown);
         const QByteArray block = vorbisClaiming("maker 1.0", count, {"TITLE=t"}).leftJustified(100, '\0');
         const Reading reading(flacStart() + flacBlock(Comment, block, false)
                               + pictureBlock(imageFile("JPEG")));
@@ -189,7 +192,7 @@ private slots:
         QVERIFY2(reading.picture.isNull(), "the picture is not looked at");
         QCOMPARE(reading.log,
                  QStringList(
-                     {vendorLine, QStringLiteral("W [FLAC] Vorbis size error %1 > 23").arg(count), failed}));
+                     {vendorLine, QStringLiteral("W [FLAC] Vorbis size error %1 > 23").arg(shown), failed}));
     }
 
     void countAtTheLimitIsRead()

@@ -22,7 +22,7 @@ const QString noTag = QStringLiteral("W [ID3] ID3 find error");
 const QString failed = QStringLiteral("W [ID3] FILE-Tag is failed to initialize");
 const QString isId3v1 = QStringLiteral("I [ID3] ID3v1");
 
-QString sizeLine(quint32 size)
+QString sizeLine(qint64 size)
 {
     return QStringLiteral("[ID3] MP3 Tag, Frame Size [ %1 ]").arg(size);
 }
@@ -180,18 +180,24 @@ private slots:
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<quint32>("size");
-        QTest::newRow("zero") << bytesOf("\0\0\0\0") << 0U;
-        QTest::newRow("eight bits a byte, never seven") << bytesOf("\0\0\2\1") << 513U;
-        QTest::newRow("largest") << bytesOf("\xFF\xFF\xFF\xFF") << 4294967295U;
-        QTest::newRow("half of it") << bytesOf("\x80\0\0\0") << 2147483648U;
+        QTest::addColumn<qint64>("shown");
+        QTest::newRow("zero") << bytesOf("\0\0\0\0") << 0U << qint64(0);
+        QTest::newRow("eight bits a byte, never seven") << bytesOf("\0\0\2\1") << 513U << qint64(513);
+        QTest::newRow("just below half of the range")
+            << bytesOf("\x7F\xFF\xFF\xFF") << 2147483647U << qint64(2147483647);
+        QTest::newRow("half of the range shows negative")
+            << bytesOf("\x80\0\0\0") << 2147483648U << qint64(-2147483648LL);
+        QTest::newRow("largest shows as minus one")
+            << bytesOf("\xFF\xFF\xFF\xFF") << 4294967295U << qint64(-1);
     }
     void frameSizes()
     {
         QFETCH(QByteArray, bytes);
         QFETCH(quint32, size);
+        QFETCH(qint64, shown);
         LogCatcher log;
         QCOMPARE(QMP3Parser(nullptr).GetFrameSize(bytes), size);
-        QCOMPARE(log.plain(), QStringList(sizeLine(size)));
+        QCOMPARE(log.plain(), QStringList(sizeLine(shown)));
     }
 
     void tagSizeBoundsTheSearch()
@@ -241,15 +247,19 @@ private slots:
     void frameSizesAreCutAtTheEndOfTheBody_data()
     {
         QTest::addColumn<quint32>("size");
-        for (quint32 size : {4U, 5U, 100U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFF5U, 0xFFFFFFFFU})
-            QTest::addRow("0x%X", size) << size;
+        QTest::addColumn<qint64>("shown");
+        for (quint32 size : {4U, 5U, 100U, 0x7FFFFFFFU})
+            QTest::addRow("0x%X", size) << size << qint64(size);
+        for (quint32 size : {0x80000000U, 0xFFFFFFF5U, 0xFFFFFFFFU})
+            QTest::addRow("0x%X shows negative", size) << size << qint64(size) - 0x100000000LL;
     }
     void frameSizesAreCutAtTheEndOfTheBody()
     {
         QFETCH(quint32, size);
+        QFETCH(qint64, shown);
         const Reading reading(id3v2(frameClaiming("TIT2", size, "\3abc")));
         QCOMPARE(reading.title, QStringLiteral("abc"));
-        QVERIFY(reading.log.contains(sizeLine(size)));
+        QVERIFY(reading.log.contains(sizeLine(shown)));
     }
 
     void frameCutOffByTheEndOfTheBody_data()

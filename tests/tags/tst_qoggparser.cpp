@@ -248,17 +248,20 @@ private slots:
     void countsThatCannotFit_data()
     {
         QTest::addColumn<quint32>("count");
-        QTest::newRow("1000 in 100 bytes") << 1000U;
-        QTest::newRow("one more than the limit") << 24U;
-        QTest::newRow("half of the range is not negative") << 0x80000000U;
-        QTest::newRow("all of the range is not negative") << 0xFFFFFFFFU;
+        QTest::addColumn<qint64>("shown");
+        QTest::newRow("1000 in 100 bytes") << 1000U << qint64(1000);
+        QTest::newRow("one more than the limit") << 24U << qint64(24);
+        QTest::newRow("half of the range is too many and shows negative")
+            << 0x80000000U << qint64(-2147483648LL);
+        QTest::newRow("all of the range is too many and shows as minus one") << 0xFFFFFFFFU << qint64(-1);
     }
     void countsThatCannotFit()
     {
         QFETCH(quint32, count);
+        QFETCH(qint64, shown);
         const QByteArray block = vorbisClaiming("maker 1.0", count, {"TITLE=x"});
         const QByteArray packet = oggComment(block).leftJustified(100, '\0');
-        const QString line = QStringLiteral("W [OGG] Vorbis size error %1 > 23").arg(count);
+        const QString line = QStringLiteral("W [OGG] Vorbis size error %1 > 23").arg(shown);
         const Reading nested(firstPage() + oggPage({packet, audio(30)}) + oggPage({audio(30)}));
         QCOMPARE(nested.title, QString());
         QCOMPARE(nested.log, QStringList({vendorLine, line}));
