@@ -1,6 +1,7 @@
 #include "tags/coverpicture.h"
 
 #include "tags/bytesat.h"
+#include "tags/pngtexts.h"
 #include "tags/touint.h"
 
 #include <QBuffer>
@@ -56,7 +57,7 @@ bool isBounded(const QImageReader& reader, const QByteArray& imageFile)
 QPixmap coverPicture(const QByteArray& imageFile)
 {
     QBuffer buffer;
-    buffer.setData(imageFile);
+    buffer.setData(withoutPngTexts(imageFile));
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);

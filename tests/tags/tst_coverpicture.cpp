@@ -3,6 +3,7 @@
 #include "tests/support/panelmain.h"
 #include "tests/tags/covers.h"
 #include "tests/tags/mediabuilder.h"
+#include "tests/tags/peakmemory.h"
 
 using namespace MediaBuilder;
 
@@ -42,6 +43,29 @@ QByteArray gifOnScreen(const QByteArray& screenSize)
         + bytesOf("\2\2\x44\1\0;");
 }
 
+/** A PNG file of few bytes whose texts are millions of characters long. */
+QByteArray pngWithLongTexts()
+{
+    QImage image = drawn(30, 20, QImage::Format_RGB32);
+    for (int i = 0; i < 4; ++i)
+        image.setText(QStringLiteral("text %1").arg(i), QString(7900000, QLatin1Char('x')));
+    return saved(image, "PNG");
+}
+
+QImage withText(QImage image, const QString& text)
+{
+    image.setText(QStringLiteral("Title"), text);
+    return image;
+}
+
+/** A PNG file with the head of a chunk of 1 GiB at byte `at`; counted from the end where negative. */
+QByteArray pngClaimingMuch(const char* name, int at)
+{
+    QByteArray file = imageFile("PNG");
+    file.insert(at < 0 ? file.size() + at : at, bigEndian(1U << 30) + name + "data");
+    return file;
+}
+
 /** An icon file of one picture that is claimed to be 16 by 16. */
 QByteArray iconHolding(const QByteArray& png)
 {
@@ -69,6 +93,15 @@ private slots:
         QTest::newRow("PNG of two colours") << saved(drawn(300, 200, QImage::Format_Mono), "PNG");
         QTest::newRow("PNG, grey") << saved(drawn(300, 200, QImage::Format_Grayscale8), "PNG");
         QTest::newRow("PNG of 16 bits a channel") << saved(drawn(300, 200, QImage::Format_RGBA64), "PNG");
+        QTest::newRow("PNG with a text")
+            << saved(withText(drawn(300, 200, argb), QStringLiteral("short")), "PNG");
+        QTest::newRow("PNG with a packed text")
+            << saved(withText(drawn(300, 200, argb), QString(500, QLatin1Char('x'))), "PNG");
+        QTest::newRow("PNG with a text beyond Latin-1")
+            << saved(withText(drawn(300, 200, argb), QStringLiteral("노래")), "PNG");
+        QTest::newRow("PNG without the last checksum") << saved(drawn(300, 200, rgb), "PNG").chopped(4);
+        QTest::newRow("PNG cut in the last checksum") << saved(drawn(300, 200, rgb), "PNG").chopped(3);
+        QTest::newRow("bytes behind a PNG") << saved(drawn(300, 200, rgb), "PNG") + "more bytes";
         QTest::newRow("BMP") << saved(drawn(300, 200, rgb), "BMP");
         QTest::newRow("PPM") << saved(drawn(300, 200, rgb), "PPM");
         QTest::newRow("PGM") << saved(drawn(300, 200, QImage::Format_Grayscale8), "PGM");
@@ -100,6 +133,10 @@ private slots:
         QTest::newRow("first bytes of a PNG") << imageFile("PNG").left(20);
         QTest::newRow("first bytes of a JPEG") << imageFile("JPEG").left(30);
         QTest::newRow("PNG without its first byte") << imageFile("PNG").mid(1);
+        QTest::newRow("PNG without its end") << imageFile("PNG").chopped(12);
+        QTest::newRow("PNG cut in the name of its end") << imageFile("PNG").chopped(5);
+        QTest::newRow("PNG that begins with a text")
+            << imageFile("PNG").insert(8, bytesOf("\0\0\0\0tEXt\x96\x42\xC5\x85"));
     }
     void whatIsNoPictureDoesNotLoad()
     {
@@ -126,6 +163,34 @@ private slots:
         QFETCH(QByteArray, file);
         QVERIFY(file.startsWith("\x89PNG"));
         QVERIFY(coverPicture(file).isNull());
+    }
+
+    void textsOfAPngTakeNoMemory()
+    {
+        const QByteArray file = pngWithLongTexts();
+        QVERIFY(file.size() < 200000);
+        PeakMemory::reset();
+        const qint64 before = PeakMemory::used();
+        const QPixmap cover = coverPicture(file);
+        QVERIFY(PeakMemory::used() - before < 16 * 1024 * 1024);
+        QCOMPARE(cover.toImage(), coverOf(saved(drawn(30, 20, QImage::Format_RGB32), "PNG")));
+    }
+
+    void chunkLongerThanThePngTakesNoMemory_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::newRow("text before the pixels") << pngClaimingMuch("tEXt", 33);
+        QTest::newRow("text behind the pixels") << pngClaimingMuch("zTXt", -12);
+        QTest::newRow("palettes before the pixels") << pngClaimingMuch("sPLT", 33);
+        QTest::newRow("unknown data behind the pixels") << pngClaimingMuch("abCd", -12);
+    }
+    void chunkLongerThanThePngTakesNoMemory()
+    {
+        QFETCH(QByteArray, file);
+        PeakMemory::reset();
+        const qint64 before = PeakMemory::used();
+        QVERIFY(coverPicture(file).isNull());
+        QVERIFY(PeakMemory::used() - before < 16 * 1024 * 1024);
     }
 
     void pictureInsideAnIconIsNotUnpacked()
