@@ -8,6 +8,8 @@
 #include "tags/qtagparser.h"
 #include "ui_mainwindow.h"
 
+#include <initializer_list>
+
 namespace {
 
 constexpr int upgradeTextPoints = 14;
@@ -116,15 +118,20 @@ void MainWindow::connectTagsAndUpgrade()
 void MainWindow::UpgradeStart()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    for (QLabel* label : {ui->lbl_background_alpha, ui->lb_sysup, ui->lb_sysup_bot, ui->lb_sysup_msg})
-        label->show();
+    setOverlayVisible(true);
 }
 
 void MainWindow::UpgradeFail()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    for (QLabel* label : {ui->lbl_background_alpha, ui->lb_sysup, ui->lb_sysup_bot, ui->lb_sysup_msg})
-        label->hide();
+    setOverlayVisible(false);
+}
+
+void MainWindow::setOverlayVisible(bool visible)
+{
+    for (QWidget* part : std::initializer_list<QWidget*>{ui->lbl_background_alpha, ui->lb_sysup,
+                                                         ui->lb_sysup_bot, ui->lb_sysup_msg})
+        part->setVisible(visible);
 }
 
 void MainWindow::SetUpgradeMSG(QString text)

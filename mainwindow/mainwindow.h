@@ -118,6 +118,7 @@ private:
     void connectLink();
     void connectPlayer();
     void connectTagsAndUpgrade();
+    void setOverlayVisible(bool visible);
 
     void CreateStatemachine();
     void createStates();

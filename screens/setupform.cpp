@@ -25,7 +25,7 @@ constexpr int gatewayColumn = 1;
 struct Value {
     QLatin1String element;
     QString NETWORKXML::*field;
-    QLabel* Ui::SetupForm::*label;
+    PlainLabel* Ui::SetupForm::*label;
 };
 constexpr Value values[] = {
     {QLatin1String("hwaddr"), &NETWORKXML::hwaddr, &Ui::SetupForm::lb_MacAddr},
@@ -39,7 +39,7 @@ constexpr Value values[] = {
 static_assert(std::size(values) == 7, "one row an element with a label");
 
 /** Every label in the panel's text font: the captions, then the values. */
-constexpr QLabel* Ui::SetupForm::*textLabels[] = {
+constexpr PlainLabel* Ui::SetupForm::*textLabels[] = {
     &Ui::SetupForm::lb_MacAddr_2, &Ui::SetupForm::lb_dhcp_2,    &Ui::SetupForm::lb_IPAddr_2,
     &Ui::SetupForm::lb_gateway_2, &Ui::SetupForm::lb_netmask_2, &Ui::SetupForm::lb_dns1_2,
     &Ui::SetupForm::lb_dns2_2,    &Ui::SetupForm::lb_version_2, &Ui::SetupForm::lb_MacAddr,
@@ -52,7 +52,7 @@ static_assert(std::size(textLabels) == 16, "eight captions and eight values");
 /** The values that are logged once at start, in this order. */
 struct Announced {
     const char* name;
-    QLabel* Ui::SetupForm::*label;
+    PlainLabel* Ui::SetupForm::*label;
 };
 constexpr Announced announced[] = {
     {"IP ADDRESS", &Ui::SetupForm::lb_IPAddr}, {"NetMask", &Ui::SetupForm::lb_netmask},

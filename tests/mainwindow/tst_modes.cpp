@@ -504,6 +504,19 @@ private slots:
         QCOMPARE(hidden(), QList<bool>({true, true, true, true}));
     }
 
+    void controlCharactersOfTheUpgradeMessageDrawNothing()
+    {
+        Panel panel;
+        auto* text = panel.window.findChild<QLabel*>(QStringLiteral("lb_sysup_msg"));
+        panel.window.stackBuff(QByteArray::fromHex("10000300") + "50%");
+        const QImage plain = text->grab().toImage();
+        panel.window.stackBuff(QByteArray::fromHex("10000500") + "5\r0%\x07");
+        QCOMPARE(text->text(), QStringLiteral("5\r0%\x07"));
+        QCOMPARE(text->grab().toImage(), plain);
+        text->clear();
+        QVERIFY(text->grab().toImage() != plain);
+    }
+
     void reportLogsTheCallAndThePacket()
     {
         Panel panel;

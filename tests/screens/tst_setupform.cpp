@@ -195,6 +195,27 @@ private slots:
         }
     }
 
+    /** Name servers and routes come from files and commands as bytes: they may hold any character. */
+    void controlCharactersDrawNothing_data()
+    {
+        QTest::addColumn<QString>("value");
+        for (const char* name : valueLabels)
+            QTest::newRow(name) << QString::fromLatin1(name);
+        QTest::newRow("lb_version") << QStringLiteral("lb_version");
+    }
+    void controlCharactersDrawNothing()
+    {
+        QFETCH(QString, value);
+        SetupForm form;
+        auto* label = form.findChild<QLabel*>(value);
+        label->setText(QStringLiteral("10.0.0.1"));
+        const QImage plain = label->grab().toImage();
+        label->setText(QStringLiteral("10.0\x1B.0.1\x9F"));
+        QCOMPARE(label->grab().toImage(), plain);
+        label->clear();
+        QVERIFY(label->grab().toImage() != plain);
+    }
+
     void theOtherLabels()
     {
         const SetupScreen form;
