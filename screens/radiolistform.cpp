@@ -5,6 +5,7 @@
 #include "config/unitpaths.h"
 #include "screens/panelfont.h"
 #include "ui_radiolistform.h"
+#include "widgets/drawabletext.h"
 #include "widgets/ticker.h"
 
 #include <QStandardItemModel>
@@ -49,7 +50,10 @@ QPalette listPalette(QPalette palette)
     return palette;
 }
 
-/** Leaves a row out rather than cut it: the view is not a whole number of rows high. */
+/**
+ * Draws titles without their control characters, and leaves a row out rather than cut it: the view is not a
+ * whole number of rows high.
+ */
 class StationDelegate : public QStyledItemDelegate {
 public:
     explicit StationDelegate(QAbstractItemView* view)
@@ -61,6 +65,10 @@ public:
     {
         if (option.rect.bottom() <= m_viewport->rect().bottom())
             QStyledItemDelegate::paint(painter, option, index);
+    }
+    QString displayText(const QVariant& title, const QLocale&) const override
+    {
+        return drawableLine(title.toString());
     }
 
 private:

@@ -795,6 +795,23 @@ private slots:
         QCOMPARE(drawn, form.view()->grab(lastColumns).toImage());
     }
 
+    /** Such as the leftovers of a list that was once in another encoding. */
+    void controlCharactersOfATitleDrawNothing()
+    {
+        const QString controls = QStringLiteral("Se\u0090oul\u009F");
+        const QString url = QStringLiteral("u");
+        writeRadio(station(0, 2));
+        writePresets(channels(entry(QStringLiteral("Seoul"), url) + entry(controls, url)
+                              + entry(QStringLiteral("Busan"), url)));
+        ListScreen form;
+        form.enter();
+        QCOMPARE(form.title(1), controls);
+        const auto row = [&form](int at) { return form.view()->grab(QRect(0, at * 14, 220, 14)).toImage(); };
+        QCOMPARE(row(1), row(0));
+        form.setRow(0);
+        QVERIFY2(row(2) != row(1), "another title looks different");
+    }
+
     void theRowThatDoesNotFitIsNotDrawn()
     {
         writeUnit(20, 0);
