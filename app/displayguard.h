@@ -9,8 +9,8 @@
  */
 class DisplayGuard {
 public:
-    /** `program` is the name that begins the line. */
-    explicit DisplayGuard(const char* program);
+    /** `name`, the program's, begins the line. */
+    explicit DisplayGuard(const char* name);
     ~DisplayGuard();
     DisplayGuard(const DisplayGuard&) = delete;
     DisplayGuard& operator=(const DisplayGuard&) = delete;

@@ -13,7 +13,7 @@
 namespace {
 
 /** Twenty thousand stations fit in here; the reader holds up to three times as much while it works. */
-constexpr qint64 maxConfigBytes = 4 * 1024 * 1024;
+constexpr qint64 maxConfigBytes = 4LL * 1024 * 1024;
 
 /** The encoding declaration stands in the first line of a file. */
 constexpr int declarationBytes = 256;

@@ -7,7 +7,7 @@ declare -A packages=(
     [build]="g++ cmake ninja-build qt6-base-dev qt6-5compat-dev qt6-scxml-dev fonts-unifont"
     [test]="lame eyed3 ffmpeg flac vorbis-tools net-tools librsvg2-bin python3"
     [qt5]="qtbase5-dev"
-    [check]="clang-format"
+    [check]="clang-format clang-tidy valgrind"
 )
 
 missing=()

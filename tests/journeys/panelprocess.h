@@ -8,23 +8,29 @@
 #include <QTcpSocket>
 #include <QtTest>
 
-/** The real program in a process of its own, on the unit that VIREO_ROOT names, and a supervisor connected to
- * it. */
+/**
+ * The real program in a process of its own, on the unit that VIREO_ROOT names, and a supervisor connected to
+ * it. VIREO_UNDER names a command to run the program under, such as a memory checker.
+ */
 class PanelProcess {
 public:
     explicit PanelProcess(const QStringList& arguments,
                           const QString& program = QStringLiteral(VIREO_PROGRAM))
     {
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(program, arguments);
+        QStringList command = qEnvironmentVariable("VIREO_UNDER").split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        command << program << arguments;
+        m_process.start(command.takeFirst(), command);
     }
     ~PanelProcess()
     {
-        m_process.kill();
+        m_process.terminate();
+        if (!m_process.waitForFinished(10000))
+            m_process.kill();
         m_process.waitForFinished();
     }
 
-    /** Connects once the program listens; false when it does not within ten seconds. */
+    /** Connects once the program listens; false when it does not within a minute. */
     bool connectSupervisor()
     {
         return QTest::qWaitFor(
@@ -33,7 +39,7 @@ public:
                 m_link.connectToHost(QHostAddress::LocalHost, tcp_server::port);
                 return m_link.waitForConnected(100);
             },
-            10000);
+            60000);
     }
 
     void write(const QByteArray& bytes)
