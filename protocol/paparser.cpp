@@ -70,7 +70,7 @@ void PAparser::parseBySupervisor(QByteArray packet)
 bool PAparser::isRightCMD(QByteArray packet)
 {
     constexpr int prefixBytes = 4;
-    constexpr quint16 lastRight = quint16(Command::DiskInfo);
+    constexpr auto lastRight = quint16(Command::DiskInfo);
 
     DPRINTF(0, "%s", Q_FUNC_INFO);
     const PacketHeader header = PacketHeader::from(packet, prefixBytes);

@@ -93,7 +93,7 @@ bool OggPageWalk::readPackets()
 bool OggPageWalk::readComments(std::string_view packet, std::size_t marker)
 {
     const QByteArray block = QByteArray::fromRawData(packet.data(), int(packet.size()));
-    return readVorbisComments(block, qint64(marker + commentMarker.size()), m_sink);
+    return readVorbisComments(block, qint64(marker) + qint64(commentMarker.size()), m_sink);
 }
 
 /** Makes the following page the current one; the present one waits if packets are left. The first page always

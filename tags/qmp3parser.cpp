@@ -187,7 +187,7 @@ QString QMP3Parser::GetText(QByteArray content)
     const TextEncoding& encoding = textEncodings[std::min(number, std::size(textEncodings) - 1)];
     const QByteArray bytes = bytesAt(content, 1, content.size());
     const std::unique_ptr<QTextDecoder> decoder(QTextCodec::codecForName(encoding.codec)->makeDecoder());
-    const QString text = decoder->toUnicode(bytes);
+    QString text = decoder->toUnicode(bytes);
     DPRINTF(2, "[ID3] MP3 Tag %s[ %s ] ", encoding.logName, text.toUtf8().constData());
     return text;
 }

@@ -12,7 +12,7 @@
 class ReadWindow {
 public:
     /** The most that take() gives at once. */
-    static constexpr std::size_t maxBytes = 64 * 1024;
+    static constexpr std::size_t maxBytes = std::size_t(64) * 1024;
 
     /** Starts where the device stands, and leaves it there when detach() is called. */
     explicit ReadWindow(QIODevice& device);
