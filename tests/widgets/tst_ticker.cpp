@@ -1,5 +1,6 @@
 #include "screens/panelfont.h"
 #include "tests/support/panelmain.h"
+#include "tests/widgets/plainloop.h"
 #include "widgets/textpieces.h"
 #include "widgets/ticker.h"
 
@@ -14,23 +15,6 @@
 namespace {
 
 constexpr int labelWidth = 168;
-
-/** The cutting written down plainly: every length is measured, from the longest down. */
-QStringList plainLoop(const QString& text, int limit, const QFontMetrics& metrics)
-{
-    QStringList pieces;
-    QString w = text;
-    int n = int(w.size());
-    while (n >= 1) {
-        if (metrics.horizontalAdvance(w.left(n)) <= limit) {
-            pieces << w.left(n);
-            w.remove(0, n);
-            n = int(w.size());
-        }
-        --n;
-    }
-    return pieces;
-}
 
 TextRuler rulerOf(const QFontMetrics& metrics)
 {
