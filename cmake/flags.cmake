@@ -11,3 +11,6 @@ if(VIREO_SANITIZE)
         -fsanitize=${VIREO_SANITIZE} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(vireo_flags INTERFACE -fsanitize=${VIREO_SANITIZE})
 endif()
+if(VIREO_FUZZ) # the fuzzer follows the program by what this puts into its branches
+    target_compile_options(vireo_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()

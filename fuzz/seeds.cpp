@@ -1,0 +1,224 @@
+#include "link/packet.h"
+#include "tests/tags/mediabuilder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+
+#include <cstdio>
+
+/** Writes first inputs for each fuzz target: sound ones, from which the fuzzer makes its own. */
+
+using namespace MediaBuilder;
+
+namespace {
+
+QDir root;
+
+void seed(const char* target, const QString& name, const QByteArray& bytes)
+{
+    root.mkpath(QString::fromLatin1(target));
+    QFile file(root.filePath(QString::fromLatin1(target) + QLatin1Char('/') + name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+}
+
+QByteArray packet(Command command, const QByteArray& data)
+{
+    return packetOf(quint16(command), quint16(data.size()), data);
+}
+
+QByteArray packet(Command command, int value)
+{
+    return packet(command, QByteArray(1, char(value)));
+}
+
+/** Ends a chunk, with a pause behind it. */
+QByteArray pause(int length)
+{
+    return "\xFF\xFE" + QByteArray(1, char(length));
+}
+
+enum Key { Select = 6, Escape = 7, LongSelect = 0x86 };
+
+QByteArray key(Key code)
+{
+    return packet(Command::Key, code);
+}
+
+/** Opens the menu and chooses the entry so many steps on; the strip must stand still before each. */
+QByteArray menuTo(int steps)
+{
+    const QByteArray turn = packet(Command::Encoder, steps < 0 ? -1 : 1) + pause(120);
+    return key(LongSelect) + pause(50) + turn.repeated(qAbs(steps)) + key(Select) + pause(60);
+}
+
+void streamSeeds()
+{
+    const auto stream = [](const char* name, const QByteArray& bytes) {
+        seed("receive", QString::fromLatin1(name), bytes);
+    };
+    for (int code : {1, 2, 3, 4, 5, 6, 7, 0x81, 0x82, 0x86, 0x87})
+        stream(qPrintable(QStringLiteral("key-%1").arg(code)), packet(Command::Key, code));
+    for (int sources : {1, 2, 4, 8, 16, 31})
+        stream(qPrintable(QStringLiteral("sources-%1").arg(sources)), packet(Command::Device, sources));
+    for (int mode = 0; mode < 16; ++mode)
+        stream(qPrintable(QStringLiteral("mode-%1").arg(mode)), packet(Command::Mode, mode));
+    for (const char* file : {"a.mp3", "b.flac", "c.ogg", "d", "e", "missing.mp3"})
+        stream(qPrintable(QStringLiteral("file-") + QLatin1String(file)), packet(Command::Filename, file));
+    for (int steps = -2; steps <= 4; ++steps)
+        stream(qPrintable(QStringLiteral("menu-%1").arg(steps)),
+               menuTo(steps) + packet(Command::Request, 8) + key(Escape) + packet(Command::Encoder, 3));
+    stream("time", packet(Command::Time, bytesOf("\x01\x23\x45")) + packet(Command::Time, "\x03\x59"));
+    stream("levels", packet(Command::Level, 200) + packet(Command::Level, 3) + packet(Command::Level, 0));
+    stream("disk",
+           packet(Command::DiskStat, 1) + packet(Command::DiskInfo, bytesOf("\2\1\3\0"))
+               + packet(Command::DiskStat, 3));
+    stream("station",
+           packet(Command::Device, 8) + pause(5)
+               + packet(Command::IRStation, QByteArray("방송").leftJustified(256, '\0') + "http://a/b"));
+    stream("station-list",
+           packet(Command::Device, 8) + key(Select) + packet(Command::Encoder, 3)
+               + packet(Command::Encoder, -5) + key(Select) + key(Select) + key(Escape));
+    stream("aoe",
+           packet(Command::Device, 16) + packet(Command::AoeStat, 1) + packet(Command::AoeStat, 2)
+               + packet(Command::AoeStat, 3) + packet(Command::AoeStat, 0));
+    stream("upgrade",
+           packet(Command::UpgradeInfo, 1) + packet(Command::UpgradeMsg, "half\nway 반")
+               + packet(Command::UpgradeInfo, 2));
+    stream("dhcp",
+           menuTo(4) + key(Select) + packet(Command::Encoder, -1) + key(Select) + pause(40)
+               + packet(Command::MenuDhcp, 2) + pause(255));
+    stream("others", packet(Command::Reserved9, "x") + packet(Command::UrlText, "url"));
+    stream("split", bytesOf("\5\0\1\0") + pause(0) + "\2" + bytesOf("\xFF\5\0\3\0\x88\1\0\x40\0abc"));
+}
+
+QByteArray smallImage(const char* format)
+{
+    return imageFile(format, 8, 8);
+}
+
+QList<QByteArray> images()
+{
+    return {smallImage("PNG"), smallImage("JPEG"), smallImage("BMP"), smallImage("XPM"), smallImage("PPM")};
+}
+
+void id3Seeds()
+{
+    const QByteArray texts = textFrame("TIT2", 1, bytesOf("\xFF\xFE\x78\xB1\x98\xB7"))
+        + textFrame("TPE1", 0, "\xB0\xA1\xB0\xA2") + textFrame("TALB", 3, bytesOf("album\0"));
+    int number = 0;
+    const auto mp3 = [&number](const QByteArray& file) {
+        seed("id3", QStringLiteral("file-%1").arg(++number), file);
+    };
+    mp3(id3v2(texts));
+    mp3(id3v2(texts, 4) + id3v1("title", "artist", "album"));
+    mp3(QByteArray(40, '.') + id3v1("title", "artist", "album"));
+    mp3(id3v2(frameClaiming("TIT2", 0xFFFFFFFF, "\2x")));
+    for (const QByteArray& image : images())
+        mp3(id3v2(pictureFrame("image/png", image) + texts));
+    mp3(id3v2(pictureFrame("image/jpeg", smallImage("JPEG"))));
+    mp3(id3v2(pictureFrame("image/jpg", smallImage("JPEG"), "front")));
+}
+
+void flacSeeds()
+{
+    const QByteArray comments = vorbisComments({"TITLE=노래", "artist=a=b", "Album=c", "DATE=2000"});
+    int number = 0;
+    const auto flac = [&number](const QByteArray& blocks) {
+        seed("flac", QStringLiteral("file-%1").arg(++number), flacStart() + blocks);
+    };
+    flac(flacBlock(Comment, comments, true));
+    flac(flacBlock(Padding, "....") + flacBlock(Comment, comments) + flacBlock(Padding, ""));
+    flac(flacBlock(Comment, vorbisClaiming("v", 99, {"TITLE=y"}), true));
+    flac(flacHeader(Comment, 900) + comments);
+    for (const QByteArray& image : images())
+        flac(flacBlock(Picture, flacPicture("image/png", image, "front"))
+             + flacBlock(Comment, comments, true));
+    seed("flac", QStringLiteral("stream-only"), flacStart(true));
+    seed("flac", QStringLiteral("short-first-block"),
+         "fLaC" + flacBlock(StreamInfo, "1") + flacBlock(Comment, comments, true));
+}
+
+void oggSeeds()
+{
+    const QByteArray comments = vorbisComments({"TITLE=노래", "artist=a=b", "Album=c"});
+    const QByteArray start = oggPage({oggIdentification()});
+    const QByteArray audio(300, '.');
+    int number = 0;
+    const auto ogg = [&number](const QByteArray& file) {
+        seed("ogg", QStringLiteral("file-%1").arg(++number), file);
+    };
+    ogg(start + oggPage({oggComment(comments), "\5vorbis"}) + oggPage({audio}) + oggPage({audio.left(20)}));
+    ogg(start + oggPage({audio.left(30), oggComment(comments), audio.left(255)}, true) + oggPage({audio}));
+    ogg((oggHeader(lacing({1, 40, 300})) + '.').repeated(6) + oggHeader(lacing({0})) + oggComment(comments));
+    ogg(start + oggPage({oggComment(vorbisClaiming("v", 99, {"TITLE=y"}))}) + oggPage({audio}));
+    ogg(start.left(60));
+}
+
+void configSeeds()
+{
+    static constexpr const char* files[] = {
+        "opt/orvane/conf/radio.xml",
+        "opt/orvane/conf/prefix_channels_latin.xml",
+        "opt/orvane/conf/user_channels.xml",
+        "opt/orvane/conf/radio.xml",
+        "opt/orvane/conf/network.xml",
+        "opt/orvane/conf/version.xml",
+        "etc/resolv.conf",
+        "opt/orvane/conf/aoe_conn.xml",
+        "tmp/sampleRate",
+    };
+    const QDir demo(QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/root"));
+    for (std::size_t i = 0; i < std::size(files); ++i) {
+        QFile file(demo.filePath(QString::fromLatin1(files[i])));
+        file.open(QIODevice::ReadOnly);
+        const QByteArray bytes = file.readAll();
+        const QByteArray chosen(1, char(i));
+        seed("config", QStringLiteral("demo-%1").arg(i), chosen + bytes);
+        QByteArray dhcp = bytes;
+        dhcp.replace("<dhcp>no", "<dhcp>yes").replace("UTF-8", "EUC-KR");
+        seed("config", QStringLiteral("other-%1").arg(i), chosen + dhcp);
+        seed("config", QStringLiteral("cut-%1").arg(i), chosen + bytes.left(bytes.size() / 2));
+    }
+}
+
+void tickerSeeds()
+{
+    const QStringList texts = {
+        QStringLiteral("A Rather Long Title of a Piece, part two"),
+        QStringLiteral("라디오 방송국의 아주 긴 이름"),
+        QStringLiteral("السلام عليكم ورحمة الله"),
+        QStringLiteral("e\u0301a\u0308\n\tx\u200B\u200D\u2028y"),
+        QStringLiteral("👨‍👩‍👧🇰🇷👍🏽"),
+        QStringLiteral("क्षत्रिय कर्म \u1112\u1161\u11AB"),
+    };
+    int number = 0;
+    for (const QString& text : texts) {
+        const QByteArray units(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+        seed("ticker", QStringLiteral("utf8-%1").arg(++number), bytesOf("\x50\0") + text.toUtf8());
+        seed("ticker", QStringLiteral("utf16-%1").arg(number), bytesOf("\x28\1") + units);
+        seed("ticker", QStringLiteral("kerned-%1").arg(number), bytesOf("\x64\2") + text.toUtf8());
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    if (argc != 2) {
+        std::fputs("usage: fuzz-seeds FOLDER\n", stderr);
+        return 2;
+    }
+    root = QDir(QString::fromLocal8Bit(argv[1]));
+    streamSeeds();
+    id3Seeds();
+    flacSeeds();
+    oggSeeds();
+    configSeeds();
+    tickerSeeds();
+    return 0;
+}
