@@ -1,6 +1,6 @@
 #!/bin/bash
-# Installs the Debian packages that the named purposes need and that are not there yet: build, test, qt5, check.
-# Does nothing, and asks for no rights, when all are there.
+# Installs the Debian packages that the named purposes need and that are not there yet: build, test, qt5, check,
+# fuzz. Does nothing, and asks for no rights, when all are there.
 set -euo pipefail
 
 declare -A packages=(
@@ -8,6 +8,7 @@ declare -A packages=(
     [test]="lame eyed3 ffmpeg flac vorbis-tools net-tools librsvg2-bin python3"
     [qt5]="qtbase5-dev"
     [check]="clang-format clang-tidy valgrind"
+    [fuzz]="clang libclang-rt-dev"
 )
 
 missing=()
