@@ -52,6 +52,17 @@ bool isBounded(const QImageReader& reader, const QByteArray& imageFile)
     return qint64(size.width()) * size.height() <= maxDecodedBytes * 8 / bits;
 }
 
+/** Of a BMP that breaks off the toolkit leaves the missing rows as the memory was, so it gets a blank one. */
+QImage decoded(QImageReader& reader)
+{
+    QImage image;
+    if (reader.format() == "bmp") {
+        image = QImage(reader.size(), reader.imageFormat());
+        image.fill(0);
+    }
+    return reader.read(&image) ? image : QImage();
+}
+
 } // namespace
 
 QPixmap coverPicture(const QByteArray& imageFile)
@@ -63,7 +74,7 @@ QPixmap coverPicture(const QByteArray& imageFile)
     reader.setDecideFormatFromContent(true);
     if (!isPlain(reader.format()) || !isBounded(reader, imageFile))
         return {};
-    const QPixmap picture = QPixmap::fromImage(reader.read());
+    const QPixmap picture = QPixmap::fromImage(decoded(reader));
     if (picture.isNull())
         return {};
     return picture.scaled(coverPixels, coverPixels, Qt::IgnoreAspectRatio, Qt::FastTransformation);

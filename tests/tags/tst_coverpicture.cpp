@@ -201,6 +201,28 @@ private slots:
         QVERIFY(coverPicture(icon).isNull());
     }
 
+    void missingRowsOfABmpAreBlank_data()
+    {
+        QTest::addColumn<QImage>("image");
+        QTest::addColumn<int>("rowBytes");
+        QTest::newRow("true colour") << drawn(50, 50, QImage::Format_RGB32) << 152;
+        QTest::newRow("palette") << drawn(50, 50, QImage::Format_Indexed8) << 52;
+    }
+    /** The file begins with the last row. Left alone the toolkit shows what was in memory before. */
+    void missingRowsOfABmpAreBlank()
+    {
+        QFETCH(QImage, image);
+        QFETCH(int, rowBytes);
+        const int missing = 20;
+        const QByteArray file = saved(image, "BMP").chopped(missing * rowBytes);
+        std::fill_n(image.bits(), missing * image.bytesPerLine(), uchar(0));
+        const QImage expected = coverOf(saved(image, "BMP"));
+        for (int times = 0; times < 20; ++times) {
+            QImage(image.size(), image.format()).fill(0xFF);
+            QCOMPARE(coverPicture(file).toImage(), expected);
+        }
+    }
+
     void screenOfAGifCountsAsWell_data()
     {
         QTest::addColumn<int>("side");
