@@ -10,7 +10,7 @@
  */
 extern "C" const char* __asan_default_options()
 {
-    return "malloc_fill_byte=0:max_malloc_fill_size=268435456";
+    return "malloc_fill_byte=0:max_malloc_fill_size=1048576";
 }
 
 /**
