@@ -54,44 +54,56 @@ QByteArray menuTo(int steps)
     return key(LongSelect) + pause(50) + turn.repeated(qAbs(steps)) + key(Select) + pause(60);
 }
 
-void streamSeeds()
+void streamSeed(const QString& name, const QByteArray& bytes)
 {
-    const auto stream = [](const char* name, const QByteArray& bytes) {
-        seed("receive", QString::fromLatin1(name), bytes);
+    seed("receive", name, bytes);
+}
+
+void packetSeeds()
+{
+    struct Row {
+        const char* name;
+        Command command;
+        QByteArray values;
     };
-    for (int code : {1, 2, 3, 4, 5, 6, 7, 0x81, 0x82, 0x86, 0x87})
-        stream(qPrintable(QStringLiteral("key-%1").arg(code)), packet(Command::Key, code));
-    for (int sources : {1, 2, 4, 8, 16, 31})
-        stream(qPrintable(QStringLiteral("sources-%1").arg(sources)), packet(Command::Device, sources));
-    for (int mode = 0; mode < 16; ++mode)
-        stream(qPrintable(QStringLiteral("mode-%1").arg(mode)), packet(Command::Mode, mode));
+    const Row rows[] = {
+        {"key", Command::Key, "\1\2\3\4\5\6\7\x81\x82\x86\x87"},
+        {"sources", Command::Device, "\1\2\4\x8\x10\x1F"},
+        {"mode", Command::Mode, bytesOf("\0\1\2\3\4\5\6\7\x8\x9\xA\xC\xD\xE")},
+        {"level", Command::Level, bytesOf("\xC8\3\0")},
+        {"disk", Command::DiskStat, "\1\3"},
+        {"upgrade", Command::UpgradeInfo, "\1\2"},
+        {"aoe", Command::AoeStat, bytesOf("\0\1\2\3")},
+    };
+    for (const Row& row : rows)
+        for (const char value : row.values)
+            streamSeed(QStringLiteral("%1-%2").arg(QLatin1String(row.name)).arg(quint8(value)),
+                       packet(row.command, value));
     for (const char* file : {"a.mp3", "b.flac", "c.ogg", "d", "e", "missing.mp3"})
-        stream(qPrintable(QStringLiteral("file-") + QLatin1String(file)), packet(Command::Filename, file));
+        streamSeed(QStringLiteral("file-") + QLatin1String(file), packet(Command::Filename, file));
+}
+
+void sessionSeeds()
+{
+    const QByteArray radio = packet(Command::Device, 8) + pause(5);
+    const QByteArray station = QByteArray("방송").leftJustified(256, '\0') + "http://a/b";
+    const QByteArray toYes = packet(Command::Encoder, -1);
+    const QList<QByteArray> sessions = {
+        packet(Command::Time, bytesOf("\x01\x23\x45")) + packet(Command::Time, "\x03\x59"),
+        packet(Command::DiskInfo, bytesOf("\2\1\3\0")) + packet(Command::DiskStat, 3),
+        packet(Command::UpgradeInfo, 1) + packet(Command::UpgradeMsg, "half\nway 반"),
+        radio + packet(Command::IRStation, station),
+        radio + key(Select) + packet(Command::Encoder, 3) + packet(Command::Encoder, -5) + key(Select),
+        packet(Command::Device, 16) + packet(Command::AoeStat, 1) + packet(Command::AoeStat, 3),
+        menuTo(4) + key(Select) + toYes + key(Select) + pause(40) + packet(Command::MenuDhcp, 2) + pause(255),
+        packet(Command::Reserved9, "x") + packet(Command::UrlText, "url"),
+        bytesOf("\5\0\1\0") + pause(0) + "\2" + bytesOf("\xFF\5\0\3\0\x88\1\0\x40\0abc"),
+    };
+    for (int i = 0; i < sessions.size(); ++i)
+        streamSeed(QStringLiteral("session-%1").arg(i), sessions.at(i));
     for (int steps = -2; steps <= 4; ++steps)
-        stream(qPrintable(QStringLiteral("menu-%1").arg(steps)),
-               menuTo(steps) + packet(Command::Request, 8) + key(Escape) + packet(Command::Encoder, 3));
-    stream("time", packet(Command::Time, bytesOf("\x01\x23\x45")) + packet(Command::Time, "\x03\x59"));
-    stream("levels", packet(Command::Level, 200) + packet(Command::Level, 3) + packet(Command::Level, 0));
-    stream("disk",
-           packet(Command::DiskStat, 1) + packet(Command::DiskInfo, bytesOf("\2\1\3\0"))
-               + packet(Command::DiskStat, 3));
-    stream("station",
-           packet(Command::Device, 8) + pause(5)
-               + packet(Command::IRStation, QByteArray("방송").leftJustified(256, '\0') + "http://a/b"));
-    stream("station-list",
-           packet(Command::Device, 8) + key(Select) + packet(Command::Encoder, 3)
-               + packet(Command::Encoder, -5) + key(Select) + key(Select) + key(Escape));
-    stream("aoe",
-           packet(Command::Device, 16) + packet(Command::AoeStat, 1) + packet(Command::AoeStat, 2)
-               + packet(Command::AoeStat, 3) + packet(Command::AoeStat, 0));
-    stream("upgrade",
-           packet(Command::UpgradeInfo, 1) + packet(Command::UpgradeMsg, "half\nway 반")
-               + packet(Command::UpgradeInfo, 2));
-    stream("dhcp",
-           menuTo(4) + key(Select) + packet(Command::Encoder, -1) + key(Select) + pause(40)
-               + packet(Command::MenuDhcp, 2) + pause(255));
-    stream("others", packet(Command::Reserved9, "x") + packet(Command::UrlText, "url"));
-    stream("split", bytesOf("\5\0\1\0") + pause(0) + "\2" + bytesOf("\xFF\5\0\3\0\x88\1\0\x40\0abc"));
+        streamSeed(QStringLiteral("menu-%1").arg(steps),
+                   menuTo(steps) + packet(Command::Request, 8) + key(Escape) + packet(Command::Encoder, 3));
 }
 
 QByteArray smallImage(const char* format)
@@ -99,9 +111,33 @@ QByteArray smallImage(const char* format)
     return imageFile(format, 8, 8);
 }
 
+QByteArray pngWithTexts()
+{
+    QImage image(8, 8, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    image.setText(QStringLiteral("Title"), QStringLiteral("cover"));
+    image.setText(QStringLiteral("Long"), QString(200, QLatin1Char('x')));
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return buffer.data();
+}
+
+/** One red pixel. */
+QByteArray gif()
+{
+    return "GIF89a" + bytesOf("\1\0\1\0\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
+}
+
 QList<QByteArray> images()
 {
-    return {smallImage("PNG"), smallImage("JPEG"), smallImage("BMP"), smallImage("XPM"), smallImage("PPM")};
+    return {smallImage("PNG"),
+            smallImage("JPEG"),
+            smallImage("BMP"),
+            smallImage("XPM"),
+            smallImage("PPM"),
+            pngWithTexts(),
+            gif()};
 }
 
 void id3Seeds()
@@ -214,7 +250,8 @@ int main(int argc, char** argv)
         return 2;
     }
     root = QDir(QString::fromLocal8Bit(argv[1]));
-    streamSeeds();
+    packetSeeds();
+    sessionSeeds();
     id3Seeds();
     flacSeeds();
     oggSeeds();
