@@ -14,7 +14,7 @@
 namespace {
 
 /** More decoded pixels than this do not fit beside the rest of the unit's programs. */
-constexpr qint64 maxDecodedBytes = 128 * 1024 * 1024;
+constexpr qint64 maxDecodedBytes = 128LL * 1024 * 1024;
 /** Whatever a file stores, the toolkit shows it from pixels at least this wide. */
 constexpr int minPixelBits = 32;
 
