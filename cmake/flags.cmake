@@ -2,6 +2,7 @@
 add_library(vireo_flags INTERFACE)
 target_compile_options(vireo_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2
+    $<$<CXX_COMPILER_ID:GNU>:-Wcast-align=strict>
     $<$<BOOL:${VIREO_WERROR}>:-Werror>)
 target_compile_definitions(vireo_flags INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH

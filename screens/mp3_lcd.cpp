@@ -1,6 +1,7 @@
 #include "screens/mp3_lcd.h"
 
 #include "app/dprintf.h"
+#include "app/pixels.h"
 #include "screens/levelmeter.h"
 #include "screens/panelfont.h"
 #include "screens/playicon.h"
@@ -95,7 +96,7 @@ QPixmap mp3_lcd::CreateShadowImg(QPixmap pixmap)
     QImage image = pixmap.scaled(shadowSize, Qt::IgnoreAspectRatio, Qt::FastTransformation)
                        .toImage()
                        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    const auto row = [&image](int y) { return reinterpret_cast<QRgb*>(image.scanLine(y)); };
+    const auto row = [&image](int y) { return pixelsOf(image.scanLine(y)); };
     const int height = image.height();
     for (int y = 1; y < height / 2; ++y)
         std::swap_ranges(row(y) + 1, row(y) + image.width(), row(height - y) + 1);

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <algorithm>
+
 /**
  * The `length` bytes of `block` from `position` on, cut to what the block holds: empty beyond its end. No
  * copy is made, so the result lives no longer than the block. Positions and lengths are wide enough to hold
@@ -10,7 +12,7 @@
  */
 inline QByteArray bytesAt(const QByteArray& block, qint64 position, qint64 length)
 {
-    const qint64 begin = qBound<qint64>(0, position, block.size());
-    const qint64 count = qBound<qint64>(0, length, block.size() - begin);
+    const qint64 begin = std::clamp<qint64>(position, 0, block.size());
+    const qint64 count = std::clamp<qint64>(length, 0, block.size() - begin);
     return QByteArray::fromRawData(block.constData() + begin, int(count));
 }

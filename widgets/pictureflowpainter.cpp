@@ -1,5 +1,7 @@
 #include "widgets/pictureflowpainter.h"
 
+#include "app/pixels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -130,7 +132,7 @@ bool ProjectedColumn::isCopy() const
 }
 
 PictureFlowPainter::PictureFlowPainter(QImage& frame, const PictureFlowSurface& surface)
-    : m_bits(reinterpret_cast<QRgb*>(frame.bits()))
+    : m_bits(pixelsOf(frame.bits()))
     , m_stride(frame.bytesPerLine() / std::ptrdiff_t(sizeof(QRgb)))
     , m_frameHeight(frame.height())
     , m_surface(surface)

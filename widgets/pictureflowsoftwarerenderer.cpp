@@ -1,5 +1,6 @@
 #include "widgets/pictureflowsoftwarerenderer.h"
 
+#include "app/pixels.h"
 #include "widgets/pictureflowprojection.h"
 #include "widgets/pictureflowstate.h"
 
@@ -75,7 +76,7 @@ void PictureFlowSoftwareRenderer::render()
 void PictureFlowSoftwareRenderer::fillBackground()
 {
     const auto width = std::size_t(m_frame.width());
-    QRgb* const firstRow = reinterpret_cast<QRgb*>(m_frame.bits());
+    QRgb* const firstRow = pixelsOf(m_frame.bits());
     std::fill_n(firstRow, width, m_state->backgroundColor | 0xFF000000);
     for (int y = 1; y < m_frame.height(); ++y)
         std::memcpy(m_frame.scanLine(y), firstRow, width * sizeof(QRgb));

@@ -1,5 +1,7 @@
 #include "widgets/pictureflowsurface.h"
 
+#include "app/pixels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -30,12 +32,12 @@ const ReflectionStyle& styleOf(PictureFlow::ReflectionEffect effect)
 
 QRgb* rowOf(QImage& image, int y)
 {
-    return reinterpret_cast<QRgb*>(image.scanLine(y));
+    return pixelsOf(image.scanLine(y));
 }
 
 const QRgb* rowOf(const QImage& image, int y)
 {
-    return reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    return pixelsOf(image.constScanLine(y));
 }
 
 /** The mean of three pixels of which the middle one counts twice. */
