@@ -1,9 +1,11 @@
 #include "app/displayguard.h"
 #include "app/dprintf.h"
 #include "app/qtcompat.h"
+#include "app/watchdog.h"
 #include "mainwindow/mainwindow.h"
 
 #include <QApplication>
+#include <QTcpServer>
 #include <QTextCodec>
 #include <QtDebug>
 
@@ -72,7 +74,12 @@ int main(int argc, char** argv)
     announceThreshold();
     reportKoreanFonts();
 
+    Watchdog watchdog;
     MainWindow window;
     window.setVisible(true);
+    // Where the port is taken the service manager hears nothing and tries again.
+    const auto* const link = window.findChild<QTcpServer*>();
+    if (link && link->isListening())
+        watchdog.announceReady();
     return QApplication::exec();
 }
