@@ -1,0 +1,5 @@
+set(VIREO_BOARD arm64)
+set(VIREO_BOARD_TRIPLE aarch64-linux-gnu)
+set(VIREO_BOARD_EMULATOR qemu-aarch64-static)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)

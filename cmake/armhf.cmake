@@ -1,0 +1,5 @@
+set(VIREO_BOARD armhf)
+set(VIREO_BOARD_TRIPLE arm-linux-gnueabihf)
+set(VIREO_BOARD_EMULATOR qemu-arm-static)
+set(CMAKE_SYSTEM_PROCESSOR arm)
+include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)
