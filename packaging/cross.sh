@@ -1,0 +1,26 @@
+#!/bin/bash
+# Builds the panel for a board and tries it in an emulator: packaging/cross.sh armhf|arm64
+# The program is build/ARCH/bin/vireo.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+declare -A emulators=([armhf]=qemu-arm-static [arm64]=qemu-aarch64-static)
+arch=${1:-}
+emulator=${emulators[${arch:-none}]:-}
+if [ -z "$emulator" ]; then
+    echo "Usage: packaging/cross.sh armhf|arm64" >&2
+    exit 1
+fi
+
+# What depends on the width of a size, the sign of a character, alignment and byte order, and one journey.
+tests=(tst_packet tst_paparser tst_modes tst_receive tst_watchdog
+    tst_qtagparser tst_qmp3parser tst_qflacparser tst_qoggparser tst_coverpicture tst_damagedmedia
+    tst_pictureflow tst_pictureflowanimator tst_pictureflowrenderer
+    tst_random_journey)
+
+tools/setup.sh build cross
+packaging/sysroot.sh "$arch"
+cmake --preset "$arch"
+cmake --build --preset "$arch" --target vireo "${tests[@]}"
+packaging/try-panel.sh "$emulator" -L "build/sysroot/$arch" "build/$arch/bin/vireo"
+ctest --preset "$arch" -R "^($(IFS='|' && echo "${tests[*]}"))\$"
