@@ -17,8 +17,9 @@ list(GET host_tools 0 host_tools)
 get_filename_component(host_packages ${host_tools} DIRECTORY)
 set(QT_HOST_PATH_CMAKE_DIR ${host_packages} CACHE PATH "Where the host's own toolkit describes itself")
 
-# The emulator looks every absolute path up in the sysroot first, plugins, fonts and their configuration too.
+# The emulator looks paths up in the sysroot first, but not in every way that the toolkit looks for its plugins.
 find_program(VIREO_EMULATOR ${VIREO_BOARD_EMULATOR})
 if(VIREO_EMULATOR)
-    set(CMAKE_CROSSCOMPILING_EMULATOR ${VIREO_EMULATOR};-L;${CMAKE_SYSROOT})
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${VIREO_EMULATOR} -L ${CMAKE_SYSROOT}
+        -E QT_PLUGIN_PATH=${CMAKE_SYSROOT}/usr/lib/${VIREO_BOARD_TRIPLE}/qt6/plugins)
 endif()
