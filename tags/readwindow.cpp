@@ -5,7 +5,7 @@
 
 ReadWindow::ReadWindow(QIODevice& device)
     : m_device(device)
-    , m_buffer(2 * maxBytes)
+    , m_buffer(new char[bufferBytes])
     , m_base(device.pos())
     , m_ended(!device.isOpen())
 {
@@ -16,7 +16,7 @@ std::string_view ReadWindow::take(std::size_t bytes)
     bytes = std::min(bytes, maxBytes);
     if (m_end - m_begin < bytes)
         fill();
-    const std::string_view taken(m_buffer.data() + m_begin, std::min(bytes, m_end - m_begin));
+    const std::string_view taken(m_buffer.get() + m_begin, std::min(bytes, m_end - m_begin));
     m_begin += taken.size();
     return taken;
 }
@@ -24,12 +24,12 @@ std::string_view ReadWindow::take(std::size_t bytes)
 /** Moves what is left to the front and reads until the buffer is full or the file ends. */
 void ReadWindow::fill()
 {
-    std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
+    std::memmove(m_buffer.get(), m_buffer.get() + m_begin, m_end - m_begin);
     m_base += qint64(m_begin);
     m_end -= m_begin;
     m_begin = 0;
-    while (!m_ended && m_end < m_buffer.size()) {
-        const qint64 got = m_device.read(m_buffer.data() + m_end, qint64(m_buffer.size() - m_end));
+    while (!m_ended && m_end < bufferBytes) {
+        const qint64 got = m_device.read(m_buffer.get() + m_end, qint64(bufferBytes - m_end));
         m_ended = got <= 0;
         m_end += std::size_t(std::max<qint64>(got, 0));
     }
@@ -38,7 +38,7 @@ void ReadWindow::fill()
 std::string_view ReadWindow::reread(qint64 position, std::size_t bytes)
 {
     if (position >= m_base)
-        return {m_buffer.data() + (position - m_base), bytes};
+        return {m_buffer.get() + (position - m_base), bytes};
     m_aside.resize(bytes);
     const bool moved = m_device.seek(position);
     const qint64 got = moved ? m_device.read(m_aside.data(), qint64(bytes)) : -1;

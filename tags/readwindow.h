@@ -2,6 +2,7 @@
 
 #include <QIODevice>
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -28,10 +29,12 @@ public:
     void detach();
 
 private:
+    static constexpr std::size_t bufferBytes = 2 * maxBytes;
+
     void fill();
 
     QIODevice& m_device;
-    std::vector<char> m_buffer;
+    const std::unique_ptr<char[]> m_buffer; ///< not cleared: of a short file most of it is never touched
     std::vector<char> m_aside;
     qint64 m_base; // position of the buffer's first byte
     std::size_t m_begin = 0;
