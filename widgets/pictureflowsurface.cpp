@@ -59,9 +59,11 @@ void smoothRows(QImage& image, int first)
     const int right = image.width() - 1;
     std::vector<QRgb> down(std::size_t(image.width()));
     for (int y = first; y <= last; ++y) {
+        const QRgb* const above = rowOf(before, std::max(y - 1, 0));
+        const QRgb* const middle = rowOf(before, y);
+        const QRgb* const below = rowOf(before, std::min(y + 1, last));
         for (int x = 0; x <= right; ++x)
-            down[std::size_t(x)] = smoothed(rowOf(before, std::max(y - 1, 0))[x], rowOf(before, y)[x],
-                                            rowOf(before, std::min(y + 1, last))[x]);
+            down[std::size_t(x)] = smoothed(above[x], middle[x], below[x]);
         QRgb* row = rowOf(image, y);
         for (int x = 0; x <= right; ++x)
             row[x] = smoothed(down[std::size_t(std::max(x - 1, 0))], down[std::size_t(x)],
