@@ -31,6 +31,10 @@ void ImageLabel::decode()
     if (m_image.isEmpty())
         return;
     const QString path = std::exchange(m_image, QString());
-    if (pixmap(Qt::ReturnByValue).isNull())
-        setPixmap(QPixmap(path));
+    if (!pixmap(Qt::ReturnByValue).isNull())
+        return;
+    const QPixmap decoded(path);
+    // A ground need not be painted over what lies behind it each time that something before it changes.
+    setAttribute(Qt::WA_OpaquePaintEvent, !decoded.hasAlphaChannel() && decoded.size() == size());
+    setPixmap(decoded);
 }

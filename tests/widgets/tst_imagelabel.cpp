@@ -14,6 +14,8 @@ private slots:
     void aPixmapSetBeforeTakesTheImagesPlace();
     void aPixmapSetAfterwardsStays();
     void anImageThatDoesNotExistShowsNothing();
+    void onlyAnImageThatFillsItsLabelHidesWhatIsBehind_data();
+    void onlyAnImageThatFillsItsLabelHidesWhatIsBehind();
 
 private:
     const QString m_path = QStringLiteral(":/Tessaro/image/init/background.png");
@@ -106,6 +108,28 @@ void TestImageLabel::anImageThatDoesNotExistShowsNothing()
     label.setImage(QStringLiteral(":/no/such/image.png"));
     label.show();
     QVERIFY(imageOf(label).isNull());
+}
+
+void TestImageLabel::onlyAnImageThatFillsItsLabelHidesWhatIsBehind_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("hides");
+    const QString mode = QStringLiteral(":/Tessaro/image/special_state/all.png");
+    QTest::newRow("the ground of a screen") << m_path << m_image.size() << true;
+    QTest::newRow("a label larger than its image shows what is behind") << m_path << QSize(321, 240) << false;
+    QTest::newRow("an icon is seen through") << mode << QImage(mode).size() << false;
+}
+
+void TestImageLabel::onlyAnImageThatFillsItsLabelHidesWhatIsBehind()
+{
+    QFETCH(QString, path);
+    QFETCH(QSize, size);
+    ImageLabel label;
+    label.setImage(path);
+    label.resize(size);
+    label.show();
+    QTEST(label.testAttribute(Qt::WA_OpaquePaintEvent), "hides");
 }
 
 VIREO_TEST_MAIN(TestImageLabel)
