@@ -1,6 +1,6 @@
 #!/bin/bash
 # Installs the Debian packages that the named purposes need and that are not there yet: build, test, qt5, check,
-# fuzz, package, cross. Does nothing, and asks for no rights, when all are there.
+# fuzz, package, cross, bench. Does nothing, and asks for no rights, when all are there.
 set -euo pipefail
 
 declare -A packages=(
@@ -11,6 +11,7 @@ declare -A packages=(
     [fuzz]="clang libclang-rt-dev"
     [package]="dpkg-dev fakeroot lintian"
     [cross]="g++-arm-linux-gnueabihf g++-aarch64-linux-gnu qemu-user-static dpkg-dev"
+    [bench]="libbenchmark-dev libtag1-dev lcdproc"
 )
 
 missing=()
