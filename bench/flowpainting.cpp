@@ -13,10 +13,9 @@ namespace {
 QImage imageOf(const PictureFlowSurface& surface)
 {
     QImage image(surface.width(), surface.height(), QImage::Format_ARGB32_Premultiplied);
-    for (int y = 0; y < image.height(); ++y) {
-        auto* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x)
-            row[x] = narrowPixel(surface.column(x)[y]);
+    for (int x = 0; x < image.width(); ++x) {
+        for (int y = 0; y < image.height(); ++y)
+            image.setPixel(x, y, narrowPixel(surface.column(x)[y]));
     }
     return image;
 }

@@ -37,6 +37,7 @@ std::vector<double> medianMicroseconds(const Effort& effort, const std::vector<T
         task.run(); // what only the first run costs is no part of the figure
         benchmark::RegisterBenchmark(task.name.c_str(), measure)
             ->Unit(benchmark::kMicrosecond)
+            ->MeasureProcessCPUTime() // the toolkit paints on several threads
             ->MinTime(effort.secondsPerTask)
             ->Repetitions(effort.repetitions);
     }
