@@ -8,7 +8,7 @@ rm -rf "$logs"
 mkdir -p "$logs"
 export VIREO_UNDER="valgrind --quiet --suppressions=$PWD/tests/valgrind.supp --log-file=$logs/%p.log"
 QT_QPA_PLATFORM=offscreen build/default/tests/tst_demo_scripts
-if [ "$(find "$logs" -size +0 | wc -l)" -ne 0 ]; then
+if [ "$(find "$logs" -type f -size +0 | wc -l)" -ne 0 ]; then
     echo "memcheck: findings in $logs" >&2
     cat "$logs"/*.log >&2
     exit 1
