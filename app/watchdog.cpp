@@ -15,7 +15,7 @@ namespace {
 
 QByteArray take(const char* variable)
 {
-    const QByteArray value = qgetenv(variable);
+    QByteArray value = qgetenv(variable);
     qunsetenv(variable);
     return value;
 }
