@@ -37,7 +37,7 @@ struct ParsedWords {
 enum class Vocabulary { Packets, Script };
 
 /** Understands one line of words; `file` paths are relative to `folder`. */
-ParsedWords parseWords(const QStringList& words, Vocabulary vocabulary = Vocabulary::Packets,
+ParsedWords parseWords(const QStringList& line, Vocabulary vocabulary = Vocabulary::Packets,
                        const QDir& folder = QDir());
 
 /** The packet that asks the panel for its mode. */
