@@ -16,49 +16,88 @@ namespace {
 
 constexpr QSize frameSize(320, 240);
 
-/** A menu whose strip stands at one moment, and both ways of drawing it. */
-struct Strip {
-    explicit Strip(int updates)
+/** Where the slides stand at one moment. */
+struct Moment {
+    explicit Moment(const PictureFlowState& state)
+        : center(state.centerSlide)
+        , left(state.leftSlides)
+        , right(state.rightSlides)
+    {
+    }
+
+    SlideInfo center;
+    std::vector<SlideInfo> left;
+    std::vector<SlideInfo> right;
+};
+
+/** The menu's strip turned by one: as it stands at rest, and at each update on the way. */
+struct Turn {
+    Turn()
     {
         flow.setCenterIndex(1);
-        if (updates > 0)
-            flow.showNext();
-        for (int i = 0; i < updates; ++i)
-            flow.updateAnimation();
+        rest.emplace_back(flow.state());
+        flow.showNext();
+        for (flow.updateAnimation(); flow.animator().step != 0; flow.updateAnimation())
+            motion.emplace_back(flow.state());
     }
 
     MenuForm menu;
     PictureFlow& flow = *menu.findChild<PictureFlow*>();
-    PictureFlowSoftwareRenderer renderer{&flow.state(), &flow};
-    FlowPainting painting{flow.state()};
+    std::vector<Moment> rest;
+    std::vector<Moment> motion;
 };
 
-/** How many updates of a turn to the next slide leave the strip in motion. */
-int updatesInMotion()
-{
-    Strip strip(1);
-    int updates = 1;
-    for (strip.flow.updateAnimation(); strip.flow.animator().step != 0; strip.flow.updateAnimation())
-        ++updates;
-    return updates;
-}
+/** The slides of a strip, prepared once, and both ways of drawing them at any moment. */
+struct Strip {
+    explicit Strip(PictureFlow& flow)
+        : renderer(&state, &flow)
+        , painting(slidesOf(flow.state()))
+    {
+    }
 
-void addRows(Bench& bench, const std::string& when, const std::vector<std::unique_ptr<Strip>>& strips)
+    void stand(const Moment& moment)
+    {
+        state.centerSlide = moment.center;
+        state.leftSlides = moment.left;
+        state.rightSlides = moment.right;
+    }
+    const PictureFlowState& slidesOf(const PictureFlowState& other)
+    {
+        state.slideWidth = other.slideWidth;
+        state.slideHeight = other.slideHeight;
+        state.reflectionEffect = other.reflectionEffect;
+        state.backgroundColor = other.backgroundColor;
+        state.centerIndex = other.centerIndex;
+        for (const auto& image : other.slideImages)
+            state.slideImages.push_back(std::make_unique<QImage>(*image));
+        return state;
+    }
+
+    PictureFlowState state;
+    PictureFlowSoftwareRenderer renderer;
+    FlowPainting painting;
+};
+
+void addRows(Bench& bench, const std::string& when, Strip& strip, const std::vector<Moment>& moments)
 {
-    for (const auto& each : strips)
-        each->renderer.render(); // prepares the slides
     std::size_t next = 0;
-    const auto strip = [&]() -> Strip& { return *strips[next++ % strips.size()]; };
+    const auto moveOn = [&] { strip.stand(moments[next++ % moments.size()]); };
     QImage target(frameSize, QImage::Format_RGB32);
     const auto draw = [&] {
-        PictureFlowSoftwareRenderer& renderer = strip().renderer;
-        renderer.dirty = true;
-        renderer.render();
+        moveOn();
+        strip.renderer.dirty = true;
+        strip.renderer.render();
     };
-    const auto paint = [&] { strip().painting.paint(target, FlowPainting::JaggedEdges); };
-    const auto paintAlike = [&] { strip().painting.paint(target, FlowPainting::SmoothEdges); };
+    const auto paint = [&] {
+        moveOn();
+        strip.painting.paint(target, FlowPainting::JaggedEdges);
+    };
+    const auto paintAlike = [&] {
+        moveOn();
+        strip.painting.paint(target, FlowPainting::SmoothEdges);
+    };
     const auto copy = [&] {
-        const QImage& frame = strip().renderer.frame();
+        const QImage& frame = strip.renderer.frame();
         std::copy_n(frame.constBits(), frame.sizeInBytes(), target.bits());
     };
     const auto times = medianMicroseconds(
@@ -75,12 +114,8 @@ void addRows(Bench& bench, const std::string& when, const std::vector<std::uniqu
 
 void addFlowRows(Bench& bench)
 {
-    std::vector<std::unique_ptr<Strip>> strips;
-    strips.push_back(std::make_unique<Strip>(0));
-    addRows(bench, "at rest", strips);
-    strips.clear();
-    const int moving = updatesInMotion();
-    for (int updates = 1; updates <= moving; ++updates)
-        strips.push_back(std::make_unique<Strip>(updates));
-    addRows(bench, "in motion", strips);
+    Turn turn;
+    Strip strip(turn.flow);
+    addRows(bench, "at rest", strip, turn.rest);
+    addRows(bench, "in motion", strip, turn.motion);
 }
