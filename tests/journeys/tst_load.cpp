@@ -182,6 +182,8 @@ private slots:
                 QVERIFY(m_panel->mode() >= 0);
             if (i == seconds / 10)
                 early = std::make_unique<Footprint>(footprint());
+            if (whole && i % 3600 == 3599)
+                qInfo("%d h of traffic in %lld s", i / 3600 + 1, timer.elapsed() / 1000);
         }
         QVERIFY(m_panel->mode() >= 0);
         qInfo("%d s of traffic in %lld s", seconds, timer.elapsed() / 1000);
