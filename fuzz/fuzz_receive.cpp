@@ -59,8 +59,9 @@ public:
     /** Back to the player with nothing special on it, wherever the stream has led. */
     void calm()
     {
-        const QByteArray junk(2 * PacketHeader::bytes, '\xFF');
-        window.stackBuff(junk + packetOf(quint16(Command::UpgradeInfo), 1, "\2")
+        // The stream may have left a header that takes what comes next for its data.
+        window.stackBuff(QByteArray(2 * PacketHeader::bytes, '\xFF'));
+        window.stackBuff(packetOf(quint16(Command::UpgradeInfo), 1, "\2")
                          + packetOf(quint16(Command::DiskStat), 1, "\3")
                          + packetOf(quint16(Command::Device), 1, "\1")
                          + packetOf(quint16(Command::Level), 1, QByteArray(1, '\0')).repeated(2));
