@@ -2,8 +2,7 @@
 
 #include "app/dprintf.h"
 #include "ui_menuform.h"
-
-#include <QImage>
+#include "widgets/ownimage.h"
 
 #include <algorithm>
 #include <iterator>
@@ -50,8 +49,8 @@ MenuForm::~MenuForm() = default;
 void MenuForm::addSlides()
 {
     for (const MenuEntry& entry : entries) {
-        QImage image;
-        if (image.load(QLatin1String(entry.icon)))
+        const QImage image = ownImage(QLatin1String(entry.icon));
+        if (!image.isNull())
             m_form->wgFlow->addSlide(image);
     }
 }

@@ -6,6 +6,7 @@
 #include "screens/panelfont.h"
 #include "screens/playicon.h"
 #include "ui_mp3_lcd.h"
+#include "widgets/ownimage.h"
 
 #include <QImage>
 
@@ -36,7 +37,7 @@ static_assert(std::size(modeImages) == std::size_t(PlayMode::RepeatOne) + 1, "on
 
 QPixmap modeIcon(PlayMode mode)
 {
-    return QPixmap(QLatin1String(modeImages[std::size_t(mode)]));
+    return ownPixmap(QLatin1String(modeImages[std::size_t(mode)]));
 }
 
 void showWidgets(std::initializer_list<QWidget*> widgets)

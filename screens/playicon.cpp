@@ -1,5 +1,7 @@
 #include "screens/playicon.h"
 
+#include "widgets/ownimage.h"
+
 #include <iterator>
 
 namespace {
@@ -15,5 +17,5 @@ static_assert(std::size(images) == std::size_t(PlayIcon::Previous) + 1, "one ima
 
 QPixmap playIcon(PlayIcon icon)
 {
-    return QPixmap(QLatin1String(images[std::size_t(icon)]));
+    return ownPixmap(QLatin1String(images[std::size_t(icon)]));
 }

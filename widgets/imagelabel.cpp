@@ -1,5 +1,7 @@
 #include "widgets/imagelabel.h"
 
+#include "widgets/ownimage.h"
+
 #include <utility>
 
 ImageLabel::ImageLabel(QWidget* parent)
@@ -33,7 +35,7 @@ void ImageLabel::decode()
     const QString path = std::exchange(m_image, QString());
     if (!pixmap(Qt::ReturnByValue).isNull())
         return;
-    const QPixmap decoded(path);
+    const QPixmap decoded = ownPixmap(path);
     // A ground need not be painted over what lies behind it each time that something before it changes.
     setAttribute(Qt::WA_OpaquePaintEvent, !decoded.hasAlphaChannel() && decoded.size() == size());
     setPixmap(decoded);

@@ -125,6 +125,28 @@ private slots:
         QCOMPARE(seen, expected);
     }
 
+    /** Each brings libraries of its own, which would cost every start time and memory. */
+    void imagePluginsWaitForTheFirstCover()
+    {
+        QTemporaryDir music;
+        const QString song = music.filePath(QStringLiteral("song.mp3"));
+        QVERIFY2(makeSong(music.path(), song), "ffmpeg, lame and eyeD3 make the song");
+        PanelProcess panel({});
+        const auto pluginsAreLoaded = [&panel] {
+            QFile loaded(QStringLiteral("/proc/%1/maps").arg(panel.processId()));
+            return loaded.open(QIODevice::ReadOnly) && loaded.readAll().contains("/imageformats/");
+        };
+        QVERIFY(panel.connectSupervisor());
+        panel.send(Command::Device, QByteArray(1, '\x01'));
+        QCOMPARE(panel.mode(), 1);
+        panel.send(Command::Key, QByteArray(1, '\x86')); // opens the menu
+        QCOMPARE(panel.mode(), 0);
+        QVERIFY(!pluginsAreLoaded());
+        panel.send(Command::Filename, song.toUtf8() + '\0');
+        QCOMPARE(panel.mode(), 0);
+        QVERIFY(pluginsAreLoaded());
+    }
+
     void everyModeIsReachedAndReported()
     {
         m_unit.writeConf(QStringLiteral("network.xml"),
