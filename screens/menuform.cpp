@@ -45,13 +45,13 @@ MenuForm::MenuForm(QWidget* parent)
 
 MenuForm::~MenuForm() = default;
 
-/** An icon that does not load is passed over, which moves the entries behind it. */
+/** An icon that is not there is passed over, which moves the entries behind it. */
 void MenuForm::addSlides()
 {
     for (const MenuEntry& entry : entries) {
-        const QImage image = ownImage(QLatin1String(entry.icon));
-        if (!image.isNull())
-            m_form->wgFlow->addSlide(image);
+        const QString icon = QLatin1String(entry.icon);
+        if (hasOwnImage(icon))
+            m_form->wgFlow->addOwnSlide(icon);
     }
 }
 

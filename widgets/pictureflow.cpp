@@ -1,5 +1,6 @@
 #include "widgets/pictureflow.h"
 
+#include "widgets/ownimage.h"
 #include "widgets/pictureflowanimator.h"
 #include "widgets/pictureflowsoftwarerenderer.h"
 #include "widgets/pictureflowstate.h"
@@ -9,6 +10,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace {
@@ -19,11 +21,13 @@ constexpr int keyJump = 10; // slides, with Control
 
 struct PictureFlow::Private {
     explicit Private(PictureFlow* widget);
+    void decode();
 
     PictureFlowState state;
     PictureFlowAnimator animator;
     PictureFlowSoftwareRenderer renderer;
     QTimer triggerTimer;
+    std::map<int, QString> undecoded; ///< paths of images that nobody has seen yet, by slide
 };
 
 PictureFlow::Private::Private(PictureFlow* widget)
@@ -38,6 +42,12 @@ PictureFlow::Private::Private(PictureFlow* widget)
     triggerTimer.setParent(widget);
     triggerTimer.setObjectName(QStringLiteral("triggerTimer"));
     triggerTimer.setSingleShot(true);
+}
+
+void PictureFlow::Private::decode()
+{
+    for (const auto& [index, path] : std::exchange(undecoded, {}))
+        *state.slideImages[std::size_t(index)] = ownImage(path);
 }
 
 PictureFlow::PictureFlow(QWidget* parent)
@@ -95,6 +105,7 @@ void PictureFlow::setBackgroundColor(QColor color)
 
 QImage PictureFlow::slide(int index) const
 {
+    d->decode();
     const QImage* image = d->state.imageAt(index);
     return image ? *image : QImage();
 }
@@ -106,12 +117,19 @@ int PictureFlow::centerIndex() const
 
 const PictureFlowState& PictureFlow::state() const
 {
+    d->decode();
     return d->state;
 }
 
 const PictureFlowAnimator& PictureFlow::animator() const
 {
     return d->animator;
+}
+
+void PictureFlow::addOwnSlide(const QString& path)
+{
+    d->undecoded[slideCount()] = path;
+    addSlide(QImage());
 }
 
 void PictureFlow::addSlide(QImage image)
@@ -127,6 +145,7 @@ void PictureFlow::addSlide(QPixmap pixmap)
 
 void PictureFlow::setSlide(int index, QImage image)
 {
+    d->undecoded.erase(index);
     if (d->state.imageAt(index))
         d->state.slideImages[std::size_t(index)] = std::make_unique<QImage>(std::move(image));
     triggerRender();
@@ -147,6 +166,7 @@ void PictureFlow::setCenterIndex(int index)
 
 void PictureFlow::clear()
 {
+    d->undecoded.clear();
     d->state.slideImages.clear();
     setCenterIndex(0);
 }
@@ -208,6 +228,7 @@ void PictureFlow::updateAnimation()
 
 void PictureFlow::paintEvent(QPaintEvent*)
 {
+    d->decode();
     d->renderer.paint();
 }
 

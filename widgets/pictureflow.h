@@ -47,6 +47,10 @@ public:
     int centerIndex() const;
     int GetFocusIndex() const { return focusIndex; }
 
+    /** Adds a slide with an image of the program's own, which is decoded when it is first seen or asked for.
+     */
+    void addOwnSlide(const QString& path);
+
     /** Where the strip stands and how it moves at this moment. */
     const PictureFlowState& state() const;
     const PictureFlowAnimator& animator() const;

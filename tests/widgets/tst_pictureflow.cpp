@@ -8,6 +8,7 @@
 #include <QMetaProperty>
 #include <QMouseEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <climits>
@@ -155,6 +156,48 @@ private slots:
             QVERIFY(flow.slide(index).isNull());
         }
         QCOMPARE(flow.slideCount(), 3);
+    }
+
+    /** What the file holds by then shows that nobody read it before. */
+    void ownImagesAreDecodedWhenTheyAreSeen()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("slide.png"));
+        QVERIFY(slideOf(Qt::red).save(path));
+        PictureFlow flow;
+        flow.resize(320, 240);
+        flow.setSlideSize(QSize(100, 100));
+        flow.addOwnSlide(path);
+        QCOMPARE(flow.slideCount(), 1);
+        QVERIFY(isRenderPending(flow));
+        QVERIFY(slideOf(Qt::green).save(path));
+        QCOMPARE(flow.grab().toImage().pixelColor(160, 95), QColor(Qt::green));
+        QVERIFY(slideOf(Qt::blue).save(path));
+        QCOMPARE(flow.slide(0).pixelColor(5, 5), QColor(Qt::green));
+    }
+
+    void ownImagesAreThereForWhoeverAsks()
+    {
+        const QString path = QStringLiteral(":/menuicon/image/usb_icon.png");
+        PictureFlow flow;
+        flow.addOwnSlide(path);
+        QCOMPARE(flow.slide(0), QImage(path));
+        flow.addOwnSlide(path);
+        QCOMPARE(*flow.state().imageAt(1), QImage(path));
+    }
+
+    void ownImagesAreReplacedUnseen()
+    {
+        const QString path = QStringLiteral(":/menuicon/image/usb_icon.png");
+        PictureFlow flow;
+        flow.addOwnSlide(path);
+        flow.setSlide(0, slideOf(Qt::red));
+        QCOMPARE(flow.slide(0), slideOf(Qt::red));
+        flow.addOwnSlide(path);
+        flow.clear();
+        flow.addSlide(slideOf(Qt::red));
+        flow.addSlide(slideOf(Qt::red));
+        QCOMPARE(flow.slide(1), slideOf(Qt::red));
     }
 
     void everySetterAsksForOneRendering_data()
