@@ -6,7 +6,6 @@
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QSaveFile>
 #include <QXmlStreamWriter>
 
@@ -32,9 +31,9 @@ QString notRegular()
 
 QByteArray declaredEncoding(const QByteArray& bytes)
 {
-    static const QRegularExpression declaration(
-        QStringLiteral(R"(^<\?xml\s[^>]*\bencoding\s*=\s*["']([A-Za-z0-9._:-]+))"));
-    return declaration.match(QString::fromLatin1(bytes.left(declarationBytes))).captured(1).toLatin1();
+    QXmlStreamReader declaration(QString::fromLatin1(bytes.left(declarationBytes)));
+    declaration.readNext();
+    return declaration.documentEncoding().toString().toLatin1();
 }
 
 /** The toolkit's XML reader knows only the Unicode encodings everywhere; a file that declares another is

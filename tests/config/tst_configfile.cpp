@@ -237,6 +237,8 @@ private slots:
         QTest::newRow("an unknown one is not read")
             << declared("encoding=\"none-such\"").toUtf8() << QString();
         QTest::newRow("an empty one is not read") << declared("encoding=\"\"").toUtf8() << QString();
+        QTest::newRow("without a version there is no declaration")
+            << encoded("EUC-KR", QStringLiteral("<?xml encoding='EUC-KR'?>") + body) << QString();
         QTest::newRow("one behind the declaration does not count")
             << declared("").toUtf8() + "<!-- encoding=\"EUC-KR\" -->" << korean;
     }
