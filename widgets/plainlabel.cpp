@@ -15,6 +15,8 @@ PlainLabel::PlainLabel(QWidget* parent)
     : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
+    // A style sheet set before is worked out twice, on being set and again on being polished.
+    ensurePolished();
 }
 
 void PlainLabel::paintEvent(QPaintEvent* event)

@@ -50,6 +50,14 @@ private slots:
         QCOMPARE(drawableLine(text), QStringLiteral("abcd\te"));
     }
 
+    /** Working a style sheet out again for every label that is hidden at first is a good part of a start. */
+    void aStyleSheetHoldsBeforeTheLabelIsSeen()
+    {
+        PlainLabel label;
+        label.setStyleSheet(QStringLiteral("color: rgb(1, 2, 3);"));
+        QCOMPARE(label.palette().color(QPalette::WindowText), QColor(1, 2, 3));
+    }
+
     /** Forty pixels hold two lines of sixteen and no third. */
     void ofTooManyLinesTheFirstAreShown()
     {
