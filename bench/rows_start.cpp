@@ -45,7 +45,7 @@ double strippedMiB(const Bench& bench, const char* name)
 
 /**
  * The programs once more, in a folder of their own, where the toolkit finds no image plugin but the one for
- * JPEG, as on a unit. A desktop has a dozen, and the first image loads them all.
+ * JPEG, as on a unit. A desktop has a dozen, which the first image looks through.
  */
 QString folderAsOnUnit(const Bench& bench)
 {
