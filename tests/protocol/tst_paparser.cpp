@@ -3,6 +3,7 @@
 #include "tests/support/logcatcher.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/signalrecorder.h"
+#include "tests/support/strings.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ class PAparserTest : public QObject {
 private slots:
     void vocabularyInItsOrder()
     {
-        const char* const expected[] = {
+        const QStringList expected = strings({
             "sgPlayTime(QString)",
             "sgMasterLevel(uchar)",
             "sgFileName(QString)",
@@ -93,15 +94,8 @@ private slots:
             "sgAOE_STAT_OK()",
             "sgAOE_STAT_FAIL()",
             "sgAOE_STAT_OVER()",
-        };
-        const QMetaObject& meta = PAparser::staticMetaObject;
-        QStringList declared;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-            declared << QString::fromLatin1(meta.method(i).methodSignature());
-        QStringList wanted;
-        for (const char* name : expected)
-            wanted << QString::fromLatin1(name);
-        QCOMPARE(declared, wanted);
+        });
+        QCOMPARE(ownMethods(PAparser::staticMetaObject), expected);
     }
 
     void packetGivesSignals_data()

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/dprintf.h"
+#include "tests/support/strings.h"
 
 #include <QImage>
 #include <QLabel>
-#include <QMetaMethod>
 #include <QPixmap>
 #include <QStringList>
 #include <QtTest>
@@ -130,23 +130,6 @@ inline QVector<Row> meterRows(const std::array<int, 8>& columns)
         rows << Row{names[i], QRect(columns[segment], 75, 32, 14), "", images[i / 8 * 3 + colour], true};
     }
     return rows;
-}
-
-/** The signatures of the slots and signals that a class itself declares, in order. */
-inline QStringList ownMethods(const QMetaObject& type)
-{
-    QStringList signatures;
-    for (int i = type.methodOffset(); i < type.methodCount(); ++i)
-        signatures << QString::fromLatin1(type.method(i).methodSignature());
-    return signatures;
-}
-
-inline QStringList list(std::initializer_list<const char*> texts)
-{
-    QStringList result;
-    for (const char* text : texts)
-        result << QString::fromUtf8(text);
-    return result;
 }
 
 } // namespace Screen

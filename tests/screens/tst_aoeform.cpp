@@ -106,9 +106,9 @@ private slots:
 
     void slotsInOrder()
     {
-        QCOMPARE(Screen::ownMethods(AOEForm::staticMetaObject),
-                 Screen::list({"showAoeInfo(QString,QString)", "showPlay()", "showStop()", "showFailMSG()",
-                               "showOVERMSG()", "showLevel(uchar)", "initLevel()", "AoeInfoFromXML()"}));
+        QCOMPARE(ownMethods(AOEForm::staticMetaObject),
+                 strings({"showAoeInfo(QString,QString)", "showPlay()", "showStop()", "showFailMSG()",
+                          "showOVERMSG()", "showLevel(uchar)", "initLevel()", "AoeInfoFromXML()"}));
     }
 
     void signatureOfEachSlot()
@@ -124,11 +124,11 @@ private slots:
         screen.showLevel(0);
         screen.showLevel(3);
         QCOMPARE(log.lines(),
-                 Screen::list({"void AOEForm::showAoeInfo(QString, QString)", "void AOEForm::showPlay()",
-                               "void AOEForm::AoeInfoFromXML()", "void AOEForm::showStop()",
-                               "void AOEForm::showFailMSG()", "void AOEForm::showOVERMSG()",
-                               "void AOEForm::showLevel(unsigned char)", "void AOEForm::initLevel()",
-                               "void AOEForm::showLevel(unsigned char)"}));
+                 strings({"void AOEForm::showAoeInfo(QString, QString)", "void AOEForm::showPlay()",
+                          "void AOEForm::AoeInfoFromXML()", "void AOEForm::showStop()",
+                          "void AOEForm::showFailMSG()", "void AOEForm::showOVERMSG()",
+                          "void AOEForm::showLevel(unsigned char)", "void AOEForm::initLevel()",
+                          "void AOEForm::showLevel(unsigned char)"}));
     }
 
     void theEventNamesTheRateFirst()
@@ -256,9 +256,8 @@ private slots:
         screen.AoeInfoFromXML();
         QCOMPARE(rate(screen), QStringLiteral("Read SR to failed"));
         QCOMPARE(ip(screen), QStringLiteral("10.0.0.7"));
-        QCOMPARE(
-            log.plain(),
-            Screen::list({"void AOEForm::AoeInfoFromXML()", "E SampleRate [No such file or directory]"}));
+        QCOMPARE(log.plain(),
+                 strings({"void AOEForm::AoeInfoFromXML()", "E SampleRate [No such file or directory]"}));
     }
 
     void withoutAnAddressTheSampleRateStays()
@@ -273,7 +272,7 @@ private slots:
         QCOMPARE(rate(screen), QStringLiteral("48000 Hz\n"));
         QCOMPARE(ip(screen), QStringLiteral("Read XML to failed"));
         QCOMPARE(log.plain(),
-                 Screen::list({"void AOEForm::AoeInfoFromXML()", "E XML [No such file or directory]"}));
+                 strings({"void AOEForm::AoeInfoFromXML()", "E XML [No such file or directory]"}));
     }
 
     void theNextPlayTriesAgain()

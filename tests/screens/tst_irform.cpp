@@ -89,14 +89,14 @@ private slots:
     {
         LogCatcher log;
         IRForm screen;
-        QCOMPARE(log.lines(), Screen::list({"void IRForm::initLevel()"}));
+        QCOMPARE(log.lines(), strings({"void IRForm::initLevel()"}));
     }
 
     void slotsInOrder()
     {
-        QCOMPARE(Screen::ownMethods(IRForm::staticMetaObject),
-                 Screen::list({"showIRInfo(QString,QString)", "showPlay()", "showStop()", "showLevel(uchar)",
-                               "initLevel()"}));
+        QCOMPARE(ownMethods(IRForm::staticMetaObject),
+                 strings({"showIRInfo(QString,QString)", "showPlay()", "showStop()", "showLevel(uchar)",
+                          "initLevel()"}));
     }
 
     void signatureOfEachSlot()
@@ -109,9 +109,9 @@ private slots:
         screen.showLevel(0);
         screen.showLevel(3);
         QCOMPARE(log.lines(),
-                 Screen::list({"void IRForm::showIRInfo(QString, QString)", "void IRForm::showPlay()",
-                               "void IRForm::showStop()", "void IRForm::showLevel(unsigned char)",
-                               "void IRForm::initLevel()", "void IRForm::showLevel(unsigned char)"}));
+                 strings({"void IRForm::showIRInfo(QString, QString)", "void IRForm::showPlay()",
+                          "void IRForm::showStop()", "void IRForm::showLevel(unsigned char)",
+                          "void IRForm::initLevel()", "void IRForm::showLevel(unsigned char)"}));
     }
 
     void playAndStop()
@@ -153,7 +153,7 @@ private slots:
         screen.RadioInfoFromXML(unit.conf(QStringLiteral("radio.xml")));
         QCOMPARE(title(screen), showing(QStringLiteral("old title")));
         QCOMPARE(url(screen), showing(QStringLiteral("old url")));
-        QCOMPARE(log.plain(), Screen::list({"E XML [No such file or directory]"}));
+        QCOMPARE(log.plain(), strings({"E XML [No such file or directory]"}));
     }
 
     void station_data()

@@ -154,8 +154,8 @@ private slots:
             setLevel(*screen, 5);
             setLevel(*screen, 3);
             QCOMPARE(watcher.changes,
-                     Screen::list({"show lbLevel3_2", "show lbLevel4_2", "show lbLevel5_2", "hide lbLevel4_2",
-                                   "hide lbLevel5_2"}));
+                     strings({"show lbLevel3_2", "show lbLevel4_2", "show lbLevel5_2", "hide lbLevel4_2",
+                              "hide lbLevel5_2"}));
         }
     }
 
@@ -166,10 +166,10 @@ private slots:
         screen.showLevel(0);
         screen.showLevel(8);
         screen.showLevel(9);
-        QCOMPARE(log.lines(),
-                 Screen::list({"void mp3_lcd::showLevel(unsigned char)", "void mp3_lcd::initLevel()",
-                               "void mp3_lcd::showLevel(unsigned char)",
-                               "void mp3_lcd::showLevel(unsigned char)"}));
+        QCOMPARE(
+            log.lines(),
+            strings({"void mp3_lcd::showLevel(unsigned char)", "void mp3_lcd::initLevel()",
+                     "void mp3_lcd::showLevel(unsigned char)", "void mp3_lcd::showLevel(unsigned char)"}));
     }
 };
 

@@ -155,34 +155,34 @@ private slots:
 
     void slotsInOrder()
     {
-        QCOMPARE(Screen::ownMethods(mp3_lcd::staticMetaObject),
-                 Screen::list({"play_action()",
-                               "pause_action()",
-                               "stop_action()",
-                               "next_action()",
-                               "prev_action()",
-                               "PlayPause_action()",
-                               "showAll()",
-                               "showFolder()",
-                               "showOne()",
-                               "showRptAll()",
-                               "showRptFolder()",
-                               "showRptOne()",
-                               "showShuffle()",
-                               "showOffShuffle()",
-                               "showTime(QString)",
-                               "showDiskInfo(QString,QString)",
-                               "showDiskNormal()",
-                               "showDiskRemoved()",
-                               "showUSBStreamEntered()",
-                               "showUSBStreamExited()",
-                               "showUSBFrontEntered()",
-                               "showUSBFrontExited()",
-                               "showAUXEntered()",
-                               "showAUXExited()",
-                               "showLevel(uchar)",
-                               "initLevel()",
-                               "ShowTagInfo(TagInfomation)"}));
+        QCOMPARE(ownMethods(mp3_lcd::staticMetaObject),
+                 strings({"play_action()",
+                          "pause_action()",
+                          "stop_action()",
+                          "next_action()",
+                          "prev_action()",
+                          "PlayPause_action()",
+                          "showAll()",
+                          "showFolder()",
+                          "showOne()",
+                          "showRptAll()",
+                          "showRptFolder()",
+                          "showRptOne()",
+                          "showShuffle()",
+                          "showOffShuffle()",
+                          "showTime(QString)",
+                          "showDiskInfo(QString,QString)",
+                          "showDiskNormal()",
+                          "showDiskRemoved()",
+                          "showUSBStreamEntered()",
+                          "showUSBStreamExited()",
+                          "showUSBFrontEntered()",
+                          "showUSBFrontExited()",
+                          "showAUXEntered()",
+                          "showAUXExited()",
+                          "showLevel(uchar)",
+                          "initLevel()",
+                          "ShowTagInfo(TagInfomation)"}));
     }
 
     void signatureOfEachSlot_data()
@@ -212,7 +212,7 @@ private slots:
         QTest::newRow("showRptAll") << QStringList();
         QTest::newRow("showUSBStreamExited") << QStringList();
         QTest::newRow("showUSBFrontEntered")
-            << Screen::list({"void mp3_lcd::showUSBFrontEntered()", "void mp3_lcd::initLevel()"});
+            << strings({"void mp3_lcd::showUSBFrontEntered()", "void mp3_lcd::initLevel()"});
     }
     void signatureOfEachSlot()
     {
@@ -229,7 +229,7 @@ private slots:
         QTest::addColumn<QByteArray>("image");
         const auto add = [](const char* name, std::initializer_list<const char*> slotNames,
                             const char* image) {
-            QTest::newRow(name) << Screen::list(slotNames) << QByteArray(image);
+            QTest::newRow(name) << strings(slotNames) << QByteArray(image);
         };
         add("stopped at the start", {}, stopImage);
         add("play", {"play_action"}, playImage);
@@ -298,9 +298,9 @@ private slots:
         QCOMPARE(Screen::text(screen, "lbTime"), QStringLiteral("0:03:07"));
         QCOMPARE(Screen::text(screen, "lbl_folder"), QStringLiteral("12"));
         QCOMPARE(Screen::text(screen, "lbl_files"), QStringLiteral("FILES: 345"));
-        QCOMPARE(log.lines(),
-                 Screen::list(
-                     {"void mp3_lcd::showTime(QString)", "void mp3_lcd::showDiskInfo(QString, QString)"}));
+        QCOMPARE(
+            log.lines(),
+            strings({"void mp3_lcd::showTime(QString)", "void mp3_lcd::showDiskInfo(QString, QString)"}));
     }
 
     void sourceIcons()
@@ -323,8 +323,8 @@ private slots:
         LogCatcher log;
         screen.ShowTagInfo(tags(cover));
         QCOMPARE(log.plain(),
-                 Screen::list({"void mp3_lcd::ShowTagInfo(TagInfomation)", "Width size of tag Image  100",
-                               "I Album Art Image OK"}));
+                 strings({"void mp3_lcd::ShowTagInfo(TagInfomation)", "Width size of tag Image  100",
+                          "I Album Art Image OK"}));
         QCOMPARE(Screen::text(screen, "lbl_album"), QStringLiteral("The album"));
         QCOMPARE(Screen::text(screen, "lbl_artist"), QStringLiteral("The artist"));
         QCOMPARE(title(screen), titleShowing(QStringLiteral("The title")));
@@ -341,8 +341,8 @@ private slots:
         LogCatcher log;
         screen.ShowTagInfo(tags());
         QCOMPARE(log.plain(),
-                 Screen::list({"void mp3_lcd::ShowTagInfo(TagInfomation)", "Width size of tag Image  0",
-                               "I Album Art Image NULL "}));
+                 strings({"void mp3_lcd::ShowTagInfo(TagInfomation)", "Width size of tag Image  0",
+                          "I Album Art Image NULL "}));
         QVERIFY(Screen::shown(screen, "lb_No_CDImg"));
         for (const char* name : {"lbl_image", "lb_AlbumArt_back", "lbShadow"})
             QVERIFY2(!Screen::shown(screen, name), name);

@@ -28,7 +28,7 @@ private slots:
         QCOMPARE(screen.objectName(), QStringLiteral("NetbgmForm"));
         QCOMPARE(screen.size(), QSize(320, 240));
         QCOMPARE(screen.findChildren<QWidget*>().size(), 1);
-        QCOMPARE(Screen::ownMethods(NetbgmForm::staticMetaObject), QStringList());
+        QCOMPARE(ownMethods(NetbgmForm::staticMetaObject), QStringList());
     }
 
     void notice()

@@ -1,4 +1,5 @@
 #include "tests/support/panelmain.h"
+#include "tests/support/strings.h"
 #include "tests/support/unitroot.h"
 #include "tools/supervisor/musicfolder.h"
 #include "tools/supervisor/playermodel.h"
@@ -44,14 +45,6 @@ struct Player {
     QStringList lines;
 };
 
-static QStringList lines(std::initializer_list<const char*> texts)
-{
-    QStringList result;
-    for (const char* text : texts)
-        result << QString::fromLatin1(text);
-    return result;
-}
-
 class PlayerTest : public QObject {
     Q_OBJECT
 
@@ -61,7 +54,7 @@ private slots:
         Player player;
         QCOMPARE(player.heard(), QStringList());
         player.model.playPause();
-        QCOMPARE(player.heard(), lines({"file /m/a.mp3", "time 0:00:00"}));
+        QCOMPARE(player.heard(), strings({"file /m/a.mp3", "time 0:00:00"}));
         QCOMPARE(player.model.state(), PlayerModel::State::Playing);
     }
 
@@ -74,7 +67,7 @@ private slots:
             player.model.advance(100);
         const QStringList said = player.heard();
         QCOMPARE(said.filter(QStringLiteral("level ")).size(), 20);
-        QCOMPARE(said.filter(QStringLiteral("time ")), lines({"time 0:00:01", "time 0:00:02"}));
+        QCOMPARE(said.filter(QStringLiteral("time ")), strings({"time 0:00:01", "time 0:00:02"}));
         QCOMPARE(said.size(), 22);
     }
 
@@ -87,7 +80,7 @@ private slots:
             player.model.advance(ms);
         QCOMPARE(player.heard().filter(QStringLiteral("time ")), QStringList()); // 999 ms
         player.model.advance(1);
-        QCOMPARE(player.heard().filter(QStringLiteral("time ")), lines({"time 0:00:01"}));
+        QCOMPARE(player.heard().filter(QStringLiteral("time ")), strings({"time 0:00:01"}));
     }
 
     void pauseIsSilentAndHoldsTheTime()
@@ -97,14 +90,14 @@ private slots:
         player.model.advance(1500);
         player.heard();
         player.model.playPause();
-        QCOMPARE(player.heard(), lines({"level 0"}));
+        QCOMPARE(player.heard(), strings({"level 0"}));
         player.model.advance(5000);
         QCOMPARE(player.heard(), QStringList());
         QCOMPARE(player.model.positionMs(), 1500);
         player.model.playPause();
         QCOMPARE(player.heard(), QStringList()); // the panel knows the file
         player.model.advance(500);
-        QCOMPARE(player.heard().filter(QStringLiteral("time ")), lines({"time 0:00:02"}));
+        QCOMPARE(player.heard().filter(QStringLiteral("time ")), strings({"time 0:00:02"}));
     }
 
     void stopResetsTheTime()
@@ -114,11 +107,11 @@ private slots:
         player.model.advance(1500);
         player.heard();
         player.model.stop();
-        QCOMPARE(player.heard(), lines({"level 0", "time 0:00:00"}));
+        QCOMPARE(player.heard(), strings({"level 0", "time 0:00:00"}));
         player.model.stop();
         QCOMPARE(player.heard(), QStringList());
         player.model.playPause();
-        QCOMPARE(player.heard(), lines({"file /m/a.mp3", "time 0:00:00"}));
+        QCOMPARE(player.heard(), strings({"file /m/a.mp3", "time 0:00:00"}));
     }
 
     void whatFollowsATrack_data()
@@ -162,7 +155,7 @@ private slots:
         player.heard();
         player.model.advance(100);
         const QStringList said = player.heard();
-        QCOMPARE(said.mid(said.size() - 3), lines({"key stop", "level 0", "time 0:00:00"}));
+        QCOMPARE(said.mid(said.size() - 3), strings({"key stop", "level 0", "time 0:00:00"}));
         player.model.advance(1000);
         QCOMPARE(player.heard(), QStringList());
     }
@@ -226,8 +219,8 @@ private slots:
         player.model.setScope(PlayerModel::Scope::One);
         player.model.setRepeat(false);
         QCOMPARE(player.heard(),
-                 lines({"mode repeat all", "mode repeat shuffle all", "mode repeat shuffle folder",
-                        "mode repeat shuffle one", "mode shuffle one"}));
+                 strings({"mode repeat all", "mode repeat shuffle all", "mode repeat shuffle folder",
+                          "mode repeat shuffle one", "mode shuffle one"}));
     }
 
     void withoutTracksNothingIsPlayed()
@@ -251,7 +244,7 @@ private slots:
         player.model.advance(500);
         player.heard();
         player.model.setTracks({QStringLiteral("/n/e.mp3")});
-        QCOMPARE(player.heard(), lines({"level 0"}));
+        QCOMPARE(player.heard(), strings({"level 0"}));
         QCOMPARE(player.model.state(), PlayerModel::State::Stopped);
         QCOMPARE(player.model.currentTrack(), 0);
     }
@@ -259,18 +252,18 @@ private slots:
     void announcementOfEachState()
     {
         Player player;
-        const QStringList disk = lines({"disk-state normal", "disk 4 2", "mode all"});
+        const QStringList disk = strings({"disk-state normal", "disk 4 2", "mode all"});
         player.model.announce();
         QCOMPARE(player.heard(), disk);
         player.model.play(1);
         player.model.advance(1000);
         player.heard();
         player.model.announce();
-        QCOMPARE(player.heard(), disk + lines({"file /m/b.mp3", "time 0:00:01"}));
+        QCOMPARE(player.heard(), disk + strings({"file /m/b.mp3", "time 0:00:01"}));
         player.model.playPause();
         player.heard();
         player.model.announce();
-        QCOMPARE(player.heard(), disk + lines({"file /m/b.mp3", "time 0:00:01", "key play-pause"}));
+        QCOMPARE(player.heard(), disk + strings({"file /m/b.mp3", "time 0:00:01", "key play-pause"}));
     }
 
     void streamHasLevelsAndNoTime()
@@ -284,7 +277,7 @@ private slots:
         QCOMPARE(said.filter(QStringLiteral("level ")).size(), 15);
         QCOMPARE(said.size(), 15);
         player.model.setStreaming(false);
-        QCOMPARE(player.heard(), lines({"level 0"}));
+        QCOMPARE(player.heard(), strings({"level 0"}));
         QVERIFY(!player.model.isRunning());
         player.model.setStreaming(false);
         QCOMPARE(player.heard(), QStringList());
@@ -388,7 +381,7 @@ private slots:
         QStringList names;
         for (const QString& path : musicBelow(dir.path()))
             names << QDir(dir.path()).relativeFilePath(path);
-        QCOMPARE(names, lines({"A.FLAC", "b.mp3", "x/c.ogg", "x/y/d.Mp3"}));
+        QCOMPARE(names, strings({"A.FLAC", "b.mp3", "x/c.ogg", "x/y/d.Mp3"}));
         QCOMPARE(musicBelow(dir.filePath(QStringLiteral("none"))), QStringList());
     }
 };

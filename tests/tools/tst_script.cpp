@@ -1,4 +1,5 @@
 #include "tests/support/panelmain.h"
+#include "tests/support/strings.h"
 #include "tests/support/unitroot.h"
 #include "tests/tools/fakepanel.h"
 #include "tests/tools/supervisorrun.h"
@@ -29,10 +30,7 @@ private slots:
         QTest::addColumn<QString>("line");
         QTest::addColumn<QStringList>("words");
         const auto row = [](const char* line, std::initializer_list<const char*> words) {
-            QStringList expected;
-            for (const char* word : words)
-                expected << QString::fromUtf8(word);
-            QTest::newRow(*line ? line : "empty line") << QString::fromUtf8(line) << expected;
+            QTest::newRow(*line ? line : "empty line") << QString::fromUtf8(line) << strings(words);
         };
         row("", {});
         row("  \t ", {});
