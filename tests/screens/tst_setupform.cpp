@@ -1,126 +1,23 @@
-#include "screens/setupform.h"
 #include "tests/config/privileges.h"
+#include "tests/screens/setupunit.h"
 #include "tests/support/logcatcher.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/routestandin.h"
-#include "tests/support/unitroot.h"
 
-#include <QLabel>
-#include <QMetaMethod>
-#include <QStandardPaths>
-#include <QTimer>
-
-namespace {
-
-const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-const char* const elementNames[] = {"hwaddr", "hostname", "dhcp", "ip", "netmask", "gateway", "dns1", "dns2"};
-const char* const valueLabels[] = {"lb_MacAddr", "lb_dhcp", "lb_IPAddr", "lb_netmask",
-                                   "lb_gateway", "lb_dns1", "lb_dns2"};
-
-QStringList strings(std::initializer_list<const char*> list)
-{
-    QStringList result;
-    for (const char* text : list)
-        result << QString::fromUtf8(text);
-    return result;
-}
-
-/** network.xml as the screen writes it, with the given texts in the order of its elements. */
-QByteArray network(const QStringList& texts)
-{
-    QByteArray bytes = declaration + "<config>\n";
-    for (int i = 0; i < 8; ++i) {
-        const QByteArray name = elementNames[i];
-        bytes += "    <" + name + '>' + texts.value(i).toHtmlEscaped().toUtf8() + "</" + name + ">\n";
-    }
-    return bytes + "</config>\n";
-}
-
-/** The unit of most tests; the one text that differs is DHCP. */
-QStringList unitTexts(const char* dhcp)
-{
-    return strings({"00:11:22:33:44:55", "panel", dhcp, "192.168.1.20", "255.255.255.0", "192.168.1.1",
-                    "10.0.0.1", "10.0.0.2"});
-}
-
-/** The same texts as the page shows them: without the host name, the net mask before the gateway. */
-QStringList pageTexts(const char* dhcp)
-{
-    return strings(
-        {"00:11:22:33:44:55", dhcp, "192.168.1.20", "255.255.255.0", "192.168.1.1", "10.0.0.1", "10.0.0.2"});
-}
-
-/** The screen with what can be seen of it and the signals that it has emitted. */
-class SetupScreen : public SetupForm {
-public:
-    SetupScreen()
-    {
-        connect(this, &SetupForm::sgLoadingMode, this, [this] { m_events << QStringLiteral("loading"); });
-        connect(this, &SetupForm::sgDhcpOpen, this, [this] { m_events << QStringLiteral("open"); });
-        connect(this, &SetupForm::sgDhcpClose, this, [this] { m_events << QStringLiteral("close"); });
-    }
-    QLabel* label(const char* name) const { return findChild<QLabel*>(QString::fromLatin1(name)); }
-    QString text(const char* name) const { return label(name)->text(); }
-    QStringList page() const
-    {
-        QStringList texts;
-        for (const char* name : valueLabels)
-            texts << text(name);
-        return texts;
-    }
-    /** The images that lie over the page. */
-    QStringList shown() const
-    {
-        QStringList names;
-        for (const char* name : {"lb_dhcp_yes", "lb_dhcp_no", "lbl_background_alpha", "lbLoading"})
-            if (!label(name)->isHidden())
-                names << QString::fromLatin1(name);
-        return names;
-    }
-    QTimer* timer() const { return findChild<QTimer*>(); }
-    QStringList events() const { return m_events; }
-    /** The signals since the last call. */
-    QStringList takeEvents() { return std::exchange(m_events, {}); }
-
-private:
-    QStringList m_events;
-};
-
-const QStringList yesImage = strings({"lb_dhcp_yes"});
-const QStringList noImage = strings({"lb_dhcp_no"});
-const QStringList waiting = strings({"lbl_background_alpha", "lbLoading"});
-
-} // namespace
+using namespace Setup;
 
 class SetupFormTest : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<UnitRoot> m_unit;
-
-    void writeNetwork(const QByteArray& bytes) const
-    {
-        m_unit->writeConf(QStringLiteral("network.xml"), bytes);
-    }
-    void writeUnit(const char* dhcp) const { writeNetwork(network(unitTexts(dhcp))); }
-    QByteArray readNetwork() const { return m_unit->readConf(QStringLiteral("network.xml")); }
-    void writeResolv(const QByteArray& bytes) const
-    {
-        UnitRoot::write(m_unit->path(QStringLiteral("/etc/resolv.conf")), bytes);
-    }
+    std::optional<Unit> m_unit;
 
 private slots:
-    void initTestCase() { debugLevel = 5; }
-    void init() { m_unit = std::make_unique<UnitRoot>(); }
-    void cleanup() { m_unit.reset(); }
+    void init() { m_unit.emplace(); }
 
     void signalsAndSlotsInOrder()
     {
-        const QMetaObject& meta = SetupForm::staticMetaObject;
-        QStringList methods;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-            methods << QString::fromLatin1(meta.method(i).methodSignature());
-        QCOMPARE(methods,
+        QCOMPARE(ownMethods(SetupForm::staticMetaObject),
                  strings({"sgLoadingMode()", "sgDhcpOpen()", "sgDhcpClose()", "prev_action()",
                           "next_action()", "select_action()", "esc_action()", "ChangeDHCP()", "XMLParse()",
                           "ReloadPage()", "StopTimer()", "TimerStart()"}));
@@ -229,14 +126,6 @@ private slots:
                  QStringLiteral("background-color: rgba(45, 45, 45, 200);"));
     }
 
-    void theChoiceIsClosedAtFirst()
-    {
-        SetupScreen form;
-        form.InitWidget();
-        QCOMPARE(form.shown(), QStringList());
-        QVERIFY(!form.timer()->isActive());
-    }
-
     void constructionFillsThePageFromTheFile_data()
     {
         QTest::addColumn<QByteArray>("dhcp");
@@ -246,7 +135,7 @@ private slots:
     void constructionFillsThePageFromTheFile()
     {
         QFETCH(QByteArray, dhcp);
-        writeUnit(dhcp.constData());
+        m_unit->writeTexts(dhcp.constData());
         m_unit->writeConf(QStringLiteral("version.xml"), "<config><value> 1.0 \n beta </value></config>");
         LogCatcher log;
         const SetupScreen form;
@@ -255,17 +144,6 @@ private slots:
                           "I DNS1 [ 10.0.0.1 ]", "I DNS2 [ 10.0.0.2 ]", "I GateWay [ 192.168.1.1 ]"}));
         QCOMPARE(form.page(), pageTexts(dhcp.constData()));
         QCOMPARE(form.text("lb_version"), QStringLiteral("1.0 beta"));
-    }
-
-    void constructionDoesNotSetTheChoice()
-    {
-        writeUnit("yes");
-        SetupScreen form;
-        form.next_action();
-        form.InitWidget();
-        QCOMPARE(form.shown(), QStringList());
-        form.prev_action();
-        QCOMPARE(form.shown(), yesImage);
     }
 
     void withoutFilesThePageIsEmpty()
@@ -344,9 +222,9 @@ private slots:
         QFETCH(QByteArray, file);
         QFETCH(QStringList, page);
         const RouteStandIn route("echo $$ > \"$ROUTE_PID\"");
-        writeUnit("no");
+        m_unit->writeTexts("no");
         SetupScreen form;
-        writeNetwork(file);
+        m_unit->writeNetwork(file);
         form.XMLParse();
         QCOMPARE(form.page(), page);
         QCOMPARE(route.pid(), 0);
@@ -354,7 +232,7 @@ private slots:
 
     void withoutTheFileThePageStays()
     {
-        writeUnit("no");
+        m_unit->writeTexts("no");
         SetupScreen form;
         QFile::remove(m_unit->conf(QStringLiteral("network.xml")));
         LogCatcher log;
@@ -370,9 +248,9 @@ private slots:
         const QByteArray whole = network(strings({"AA", "h", "off", "BB", "CC", "DD", "EE", "FF"}));
         QStringList page;
         for (int length = 0; length <= whole.size(); ++length) {
-            writeUnit("no");
+            m_unit->writeTexts("no");
             SetupScreen form;
-            writeNetwork(whole.left(length));
+            m_unit->writeNetwork(whole.left(length));
             form.XMLParse();
             page = form.page();
             for (int i = 0; i < page.size(); ++i)
@@ -386,320 +264,14 @@ private slots:
         QByteArray file = "<config>";
         for (int i = 0; i < 10000; ++i)
             file += "<ip>" + QByteArray::number(i) + "</ip><unknown/>";
-        writeNetwork(file + "</config>");
+        m_unit->writeNetwork(file + "</config>");
         const SetupScreen form;
         QCOMPARE(form.text("lb_IPAddr"), QStringLiteral("9999"));
     }
 
-    void dhcpOnShowsTheLiveValues()
-    {
-        const OwnNetwork own;
-        if (!own.ip("link add eth0 type veth"))
-            QSKIP("a network of its own needs the superuser");
-        QVERIFY(own.ip("addr add 10.20.30.40/20 dev eth0"));
-        writeResolv("nameserver 10.9.8.7\nnameserver 10.9.8.6\n");
-        const RouteStandIn route(
-            "printf '%s\\n' 'Kernel IP routing table' 'Destination Gateway' '0.0.0.0   10.20.16.1 x'");
-        writeUnit("yes");
-        SetupScreen form;
-        LogCatcher log;
-        form.XMLParse();
-        QCOMPARE(log.plain(), strings({"void SetupForm::XMLParse()"}));
-        QCOMPARE(form.page(),
-                 strings({"00:11:22:33:44:55", "yes", "10.20.30.40", "255.255.240.0", "10.20.16.1",
-                          "10.9.8.7", "10.9.8.6"}));
-    }
-
-    void whatTheSystemDoesNotKnowIsNotFound()
-    {
-        const OwnNetwork own;
-        if (!own.isOwn())
-            QSKIP("a network of its own needs the superuser");
-        const RouteStandIn none;
-        writeUnit("yes");
-        SetupScreen form;
-        LogCatcher log;
-        form.XMLParse();
-        QCOMPARE(log.plain(),
-                 strings({"void SetupForm::XMLParse()", "E resolv Error [ No such file or directory ] ",
-                          "E not found gateway , route -n"}));
-        QCOMPARE(form.page(),
-                 strings({"00:11:22:33:44:55", "yes", "not found IP", "not found NetMask",
-                          "not found gateway", "not found DNS1", "not found DNS2"}));
-    }
-
-    void whatFollowsDhcpOnIsNotRead()
-    {
-        const RouteStandIn route("echo 0.0.0.0 10.0.0.254");
-        writeUnit("no");
-        SetupScreen form;
-        writeNetwork("<config><hwaddr>AA</hwaddr><dhcp>yes</dhcp><hostname>h</hostname><gateway>DD</"
-                     "gateway></config>");
-        form.XMLParse();
-        QCOMPARE(form.text("lb_MacAddr"), QStringLiteral("AA"));
-        QCOMPARE(form.text("lb_gateway"), QStringLiteral("10.0.0.254"));
-        form.XMLwriteInfo();
-        QVERIFY(readNetwork().contains("<hostname>panel</hostname>"));
-        QVERIFY(readNetwork().contains("<gateway>192.168.1.1</gateway>"));
-    }
-
-    void nameServers_data()
-    {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("first");
-        QTest::addColumn<QString>("second");
-        const QString none1 = QStringLiteral("not found DNS1");
-        const QString none2 = QStringLiteral("not found DNS2");
-        QTest::newRow("two") << QByteArray("nameserver 10.0.0.8\nnameserver 10.0.0.9\n") << "10.0.0.8"
-                             << "10.0.0.9";
-        QTest::newRow("one of the two lines")
-            << QByteArray("search lan\nnameserver 10.0.0.8\n") << "10.0.0.8" << none2;
-        QTest::newRow("a third line is never shown")
-            << QByteArray("search lan\nnameserver 10.0.0.8\nnameserver 10.0.0.9\n") << "10.0.0.8" << none2;
-        QTest::newRow("only on the third line")
-            << QByteArray("a\nb\nnameserver 10.0.0.8\n") << none1 << none2;
-        QTest::newRow("without an address") << QByteArray("nameserver\n") << "" << none2;
-        QTest::newRow("empty") << QByteArray() << none1 << none2;
-    }
-    void nameServers()
-    {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, first);
-        QFETCH(QString, second);
-        const RouteStandIn route("echo 0.0.0.0 10.0.0.254");
-        writeResolv(file);
-        writeUnit("yes");
-        SetupScreen form;
-        LogCatcher log(1);
-        form.XMLParse();
-        QCOMPARE(form.text("lb_dns1"), first);
-        QCOMPARE(form.text("lb_dns2"), second);
-        QCOMPARE(log.lines(), QStringList());
-    }
-
-    void gateways_data()
-    {
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<QString>("gateway");
-        QTest::addColumn<QStringList>("lines");
-        const QString none = QStringLiteral("not found gateway");
-        const QStringList noLine = strings({"E not found gateway , route -n"});
-        const QStringList noPiece = strings({"E not found gateway , size error"});
-        QTest::newRow("the second column of the last line")
-            << QByteArray("echo a b c; echo 10.0.0.0 10.0.0.254 255.0.0.0") << "10.0.0.254" << QStringList();
-        QTest::newRow("any white space parts columns")
-            << QByteArray("printf ' \\ta\\r\\t  b\\vc\\n'") << "b" << QStringList();
-        QTest::newRow("no output") << QByteArray() << none << noLine;
-        QTest::newRow("a blank last line") << QByteArray("echo a b; echo") << none << noPiece;
-        QTest::newRow("a last line of blanks") << QByteArray("echo a b; echo ' '") << none << noPiece;
-        QTest::newRow("a last line of one piece") << QByteArray("echo a b; echo c") << none << noPiece;
-        QTest::newRow("a hanging command that printed nothing")
-            << QByteArray("exec sleep 1000") << none << noLine;
-        QTest::newRow("a hanging command that printed something")
-            << QByteArray("echo a b; exec sleep 1000") << "b" << QStringList();
-    }
-    void gateways()
-    {
-        QFETCH(QByteArray, script);
-        QFETCH(QString, gateway);
-        QFETCH(QStringList, lines);
-        const RouteStandIn route(script);
-        writeResolv("nameserver 10.0.0.8\nnameserver 10.0.0.9\n");
-        writeUnit("yes");
-        SetupScreen form;
-        form.setRouteWait(1500);
-        LogCatcher log(1);
-        form.XMLParse();
-        QCOMPARE(form.text("lb_gateway"), gateway);
-        QCOMPARE(log.plain(), lines);
-    }
-
-    void theRealRouteCommand()
-    {
-        const OwnNetwork own;
-        if (!own.ip("link add eth0 type veth"))
-            QSKIP("a network of its own needs the superuser");
-        if (QStandardPaths::findExecutable(QStringLiteral("route")).isEmpty())
-            QSKIP("route is not installed");
-        writeUnit("yes");
-        SetupScreen form;
-        form.XMLParse();
-        QCOMPARE(form.text("lb_gateway"), QStringLiteral("Gateway"));
-        QVERIFY(own.ip("addr add 10.20.30.40/24 dev eth0"));
-        QVERIFY(own.ip("link set eth0 up"));
-        QVERIFY(own.ip("route add default via 10.20.30.1"));
-        form.XMLParse();
-        QCOMPARE(form.text("lb_IPAddr"), QStringLiteral("10.20.30.40"));
-        QCOMPARE(form.text("lb_gateway"), QStringLiteral("0.0.0.0"));
-        QVERIFY(own.ip("route add 10.50.0.0/16 via 10.20.30.2"));
-        form.XMLParse();
-        QCOMPARE(form.text("lb_gateway"), QStringLiteral("10.20.30.2"));
-    }
-
-    void selectTwiceChangesNothing_data()
-    {
-        QTest::addColumn<QByteArray>("dhcp");
-        QTest::addColumn<QStringList>("image");
-        QTest::newRow("off") << QByteArray("no") << noImage;
-        QTest::newRow("on") << QByteArray("yes") << yesImage;
-    }
-    void selectTwiceChangesNothing()
-    {
-        QFETCH(QByteArray, dhcp);
-        QFETCH(QStringList, image);
-        const RouteStandIn route("echo 0.0.0.0 10.0.0.254");
-        writeUnit(dhcp.constData());
-        const QByteArray file = readNetwork() + "<!-- as it was -->";
-        writeNetwork(file);
-        SetupScreen form;
-        form.TimerStart();
-        form.InitWidget();
-        form.select_action();
-        QCOMPARE(form.takeEvents(), strings({"open"}));
-        QCOMPARE(form.shown(), image);
-        form.select_action();
-        QCOMPARE(form.takeEvents(), strings({"close"}));
-        QCOMPARE(form.shown(), QStringList());
-        QCOMPARE(readNetwork(), file);
-    }
-
-    void escapeTakesTheChoiceBack()
-    {
-        writeUnit("no");
-        const QByteArray file = readNetwork() + "<!-- as it was -->";
-        writeNetwork(file);
-        SetupScreen form;
-        form.TimerStart();
-        form.InitWidget();
-        form.select_action();
-        form.prev_action();
-        QCOMPARE(form.shown(), yesImage);
-        form.esc_action();
-        QCOMPARE(form.takeEvents(), strings({"open", "close"}));
-        QCOMPARE(form.shown(), QStringList());
-        QCOMPARE(readNetwork(), file);
-        form.select_action();
-        QCOMPARE(form.shown(), noImage);
-    }
-
-    void escapeOnThePlainPageDoesNothing()
-    {
-        SetupScreen form;
-        form.InitWidget();
-        form.esc_action();
-        QCOMPARE(form.takeEvents(), QStringList());
-        form.prev_action();
-        form.esc_action();
-        QCOMPARE(form.shown(), yesImage);
-    }
-
-    void applyingWritesTheFileAndAsksForTheRestart_data()
-    {
-        QTest::addColumn<QByteArray>("from");
-        QTest::addColumn<QByteArray>("to");
-        QTest::newRow("on") << QByteArray("no") << QByteArray("yes");
-        QTest::newRow("off") << QByteArray("yes") << QByteArray("no");
-    }
-    void applyingWritesTheFileAndAsksForTheRestart()
-    {
-        QFETCH(QByteArray, from);
-        QFETCH(QByteArray, to);
-        const RouteStandIn route("echo 0.0.0.0 10.0.0.254");
-        writeUnit(from.constData());
-        SetupScreen form;
-        form.XMLParse();
-        form.InitWidget();
-        QByteArray fileAtTheSignal;
-        QStringList shownAtTheSignal;
-        connect(&form, &SetupForm::sgDhcpClose, this, [&] {
-            fileAtTheSignal = readNetwork();
-            shownAtTheSignal = form.shown();
-        });
-        form.select_action();
-        to == "yes" ? form.prev_action() : form.next_action();
-        form.select_action();
-        QCOMPARE(fileAtTheSignal, network(unitTexts(to.constData())));
-        QCOMPARE(shownAtTheSignal, waiting);
-        QCOMPARE(form.takeEvents(), strings({"open", "close"}));
-        QTRY_COMPARE(form.events(), strings({"loading"}));
-        QCOMPARE(form.shown(), waiting);
-        form.ReloadPage();
-        QCOMPARE(form.shown(), QStringList());
-    }
-
-    void theFileKeepsTheAddressesThatWereReadNotTheLiveOnes()
-    {
-        const RouteStandIn route("echo 0.0.0.0 10.0.0.254");
-        writeUnit("yes");
-        SetupScreen form;
-        form.XMLParse();
-        QVERIFY(form.text("lb_gateway") != QStringLiteral("192.168.1.1"));
-        form.select_action();
-        form.next_action();
-        form.select_action();
-        QCOMPARE(readNetwork(), network(unitTexts("no")));
-    }
-
-    void turningOnThePlainPageShowsTheChoice()
-    {
-        writeUnit("no");
-        SetupScreen form;
-        form.XMLParse();
-        form.InitWidget();
-        form.next_action();
-        QCOMPARE(form.shown(), QStringList());
-        form.prev_action();
-        QCOMPARE(form.shown(), yesImage);
-        form.prev_action();
-        QCOMPARE(form.shown(), yesImage);
-        form.next_action();
-        QCOMPARE(form.shown(), noImage);
-        QCOMPARE(form.takeEvents(), QStringList());
-    }
-
-    void aReadingBetweenTurnAndSelectLeavesBothImages()
-    {
-        writeUnit("no");
-        SetupScreen form;
-        form.XMLParse();
-        form.InitWidget();
-        form.prev_action();
-        form.XMLParse();
-        form.select_action();
-        QCOMPARE(form.shown(), yesImage + noImage);
-        form.select_action();
-        QCOMPARE(form.shown(), yesImage);
-        QCOMPARE(form.takeEvents(), strings({"open", "close"}));
-    }
-
-    void theChoiceFollowsTheFile_data()
-    {
-        QTest::addColumn<QByteArray>("dhcp");
-        QTest::addColumn<QStringList>("image");
-        QTest::newRow("yes") << QByteArray("<dhcp> yes </dhcp>") << yesImage;
-        QTest::newRow("no") << QByteArray("<dhcp>no</dhcp>") << noImage;
-        QTest::newRow("another word is no") << QByteArray("<dhcp>YES</dhcp>") << noImage;
-        QTest::newRow("empty leaves it") << QByteArray("<dhcp></dhcp>") << yesImage;
-        QTest::newRow("missing leaves it") << QByteArray() << yesImage;
-    }
-    void theChoiceFollowsTheFile()
-    {
-        QFETCH(QByteArray, dhcp);
-        QFETCH(QStringList, image);
-        const RouteStandIn none;
-        writeUnit("yes");
-        SetupScreen form;
-        form.XMLParse();
-        form.InitWidget();
-        writeNetwork("<config>" + dhcp + "</config>");
-        form.XMLParse();
-        form.select_action();
-        QCOMPARE(form.shown(), image);
-    }
-
     void thePageIsReadAgainEveryThreeSeconds()
     {
-        writeUnit("no");
+        m_unit->writeTexts("no");
         SetupScreen form;
         LogCatcher log;
         form.TimerStart();
@@ -709,7 +281,7 @@ private slots:
         QCOMPARE(form.timer()->interval(), 3000);
         QCOMPARE(form.timer()->parent(), &form);
         log.clear();
-        writeNetwork("<config><ip>B</ip><dns2>F</dns2></config>");
+        m_unit->writeNetwork("<config><ip>B</ip><dns2>F</dns2></config>");
         QTimerEvent tick(form.timer()->timerId());
         QCoreApplication::sendEvent(form.timer(), &tick);
         QCOMPARE(form.text("lb_IPAddr"), QStringLiteral("B"));
@@ -722,7 +294,7 @@ private slots:
 
     void slotsLogTheirSignature()
     {
-        writeUnit("no");
+        m_unit->writeTexts("no");
         SetupScreen form;
         LogCatcher log;
         form.prev_action();
@@ -746,7 +318,7 @@ private slots:
 
     void aMissingFolderIsNotNoticedOnWriting()
     {
-        writeUnit("no");
+        m_unit->writeTexts("no");
         SetupScreen form;
         QDir(m_unit->path(QStringLiteral("/opt"))).removeRecursively();
         LogCatcher log;
@@ -756,8 +328,8 @@ private slots:
 
     void aFullDiskIsLoggedAndTheOldFileStays()
     {
-        writeUnit("no");
-        const QByteArray old = readNetwork();
+        m_unit->writeTexts("no");
+        const QByteArray old = m_unit->readNetwork();
         SetupScreen form;
         form.prev_action();
         LogCatcher log;
@@ -768,7 +340,7 @@ private slots:
         QCOMPARE(log.plain(),
                  QStringList(QStringLiteral("E Config write [%1] File too large")
                                  .arg(m_unit->conf(QStringLiteral("network.xml")))));
-        QCOMPARE(readNetwork(), old);
+        QCOMPARE(m_unit->readNetwork(), old);
     }
 };
 
