@@ -6,6 +6,7 @@
 #include "tests/support/unitroot.h"
 
 #include <QCoreApplication>
+#include <QMap>
 #include <QStateMachine>
 
 /** A window on a unit of the test's own, with its mode machine running, and what a test asks of it. */
@@ -34,6 +35,40 @@ public:
         const bool takesNumber = meta->method(index).parameterTypes().value(0) == "uchar";
         void* arguments[] = {nullptr, takesNumber ? static_cast<void*>(&number) : &text, &other};
         QMetaObject::activate(sender, meta, index - meta->methodOffset(), arguments);
+    }
+
+    /** How each mode is reached from the start state. */
+    static const QMap<QString, QList<const char*>>& waysTo()
+    {
+        static const QMap<QString, QList<const char*>> ways = {
+            {QStringLiteral("StartState"), {}},
+            {QStringLiteral("USBMode"), {"sgDEVICE_USB_FRONT_Enter()"}},
+            {QStringLiteral("AOEMode"), {"sgDEVICE_AOE_Enter()"}},
+            {QStringLiteral("IRMain"), {"sgDEVICE_IR_Enter()"}},
+            {QStringLiteral("IRList"), {"sgDEVICE_IR_Enter()", "sgKEY_SELECT()"}},
+            {QStringLiteral("SetMode"), {"sgDEVICE_Set_Enter()"}},
+            {QStringLiteral("NetBGMMode"), {"sgDEVICE_NetBGM_Enter()"}},
+            {QStringLiteral("MenuMode"), {"sgDEVICE_AOE_Enter()", "sgKEY_LONG_SELECT()"}},
+        };
+        return ways;
+    }
+    void bringTo(const QString& mode)
+    {
+        for (const char* signal : waysTo().value(mode))
+            emitParser(signal);
+    }
+
+    /** What the log says while the parser emits these signals, but for errors. */
+    QStringList linesOf(std::initializer_list<const char*> signals_)
+    {
+        LogCatcher log(0);
+        for (const char* signal : signals_)
+            emitParser(signal);
+        QStringList lines = log.plain();
+        lines.erase(std::remove_if(lines.begin(), lines.end(),
+                                   [](const QString& line) { return line.startsWith(QStringLiteral("E ")); }),
+                    lines.end());
+        return lines;
     }
 
     /** The innermost active state. */
