@@ -1,0 +1,122 @@
+#pragma once
+
+#include "widgets/pictureflowprojection.h"
+#include "widgets/pictureflowstate.h"
+#include "widgets/pictureflowsurface.h"
+
+#include <cmath>
+#include <vector>
+
+/** A second, independent picture of the cover flow, to hold the real one against. */
+namespace FlowReference {
+
+constexpr double pi = 3.14159265358979323846;
+
+struct Colour {
+    double channel[3] = {};
+};
+
+/**
+ * The same view drawn the plain and slow way: each pixel is the mean of many points, each traced back onto
+ * the slides one by one, in floating point.
+ */
+class Reference {
+public:
+    Reference(const PictureFlowState& state, QSize size)
+        : m_state(state)
+        , m_size(size)
+        , m_pixels(size_t(size.width() * size.height()))
+    {
+        for (Colour& pixel : m_pixels)
+            for (int c = 0; c < 3; ++c)
+                pixel.channel[c] = channelOf(state.backgroundColor, c);
+        for (auto slide = state.leftSlides.rbegin(); slide != state.leftSlides.rend(); ++slide)
+            draw(*slide);
+        for (auto slide = state.rightSlides.rbegin(); slide != state.rightSlides.rend(); ++slide)
+            draw(*slide);
+        draw(state.centerSlide);
+    }
+    double at(int x, int y, int c) const { return m_pixels[size_t(y * m_size.width() + x)].channel[c]; }
+
+    static double channelOf(QRgb pixel, int c) { return pixel >> (8 * c) & 0xFF; }
+
+private:
+    void draw(const SlideInfo& slide)
+    {
+        const QImage* image = m_state.imageAt(slide.slideIndex);
+        if (!image || slide.blend == 0)
+            return;
+        const PictureFlowSurface surface(*image, QSize(m_state.slideWidth, m_state.slideHeight),
+                                         m_state.reflectionEffect, m_state.backgroundColor);
+        for (int y = 0; y < m_size.height(); ++y)
+            for (int x = 0; x < m_size.width(); ++x)
+                drawPixel(slide, surface, x, y);
+    }
+
+    void drawPixel(const SlideInfo& slide, const PictureFlowSurface& surface, int x, int y)
+    {
+        constexpr int points = 6; // each way
+        double sum[4] = {};
+        for (int i = 0; i < points * points; ++i) {
+            const QRgb colour =
+                hit(slide, surface, x + (i % points + 0.5) / points, y + (i / points + 0.5) / points);
+            for (int c = 0; c < 4; ++c)
+                sum[c] += channelOf(colour, c);
+        }
+        Colour& pixel = m_pixels[size_t(y * m_size.width() + x)];
+        const double share = slide.blend / 256.0 / (points * points);
+        for (int c = 0; c < 3; ++c)
+            pixel.channel[c] = sum[c] * share + pixel.channel[c] * (1 - sum[3] * share / 255);
+    }
+
+    /** What the ray from the eye through a point of the screen meets: first the place along the slide, by
+     * crossing the ray with the slide's plane seen from above, then the height. */
+    QRgb hit(const SlideInfo& slide, const PictureFlowSurface& surface, double x, double y) const
+    {
+        const double w = m_state.slideWidth;
+        const double h = m_state.slideHeight;
+        const double eye = FlowEye::distance * w;
+        const double angle = slide.angle * 2 * pi / 1024;
+        const double lift =
+            m_state.reflectionEffect == PictureFlow::NoReflection ? 0 : m_state.slideHeight / 4;
+        const double sx = x - ((m_size.width() - m_state.slideWidth) / 2 + w / 2);
+        const double top = (m_size.height() - m_state.slideHeight) / 2 - lift;
+        const double eyeY = top + h / 2 - FlowEye::height * h;
+        // (sx, eye) * k = (cx + t cos, eye + cy + t sin)
+        const double cx = slide.cx / 1024.0;
+        const double cz = eye + slide.cy / 1024.0;
+        const double determinant = eye * std::cos(angle) - sx * std::sin(angle);
+        const double t = (sx * cz - eye * cx) / determinant;
+        const double k = (cz + t * std::sin(angle)) / eye;
+        const double row = (y - eyeY) * k + eyeY - top;
+        if (determinant <= 0 || t < -w / 2 || t >= w / 2 || row < 0)
+            return 0;
+        const int column = int((t + w / 2) * surface.width() / w);
+        const double line = row * surface.slideHeight() / h;
+        return line >= surface.height() ? 0 : narrowPixel(surface.column(column)[int(line)]);
+    }
+
+    const PictureFlowState& m_state;
+    QSize m_size;
+    std::vector<Colour> m_pixels;
+};
+
+struct Difference {
+    double mean = 0;
+    double worst = 0;
+};
+
+inline Difference difference(const QImage& frame, const Reference& reference)
+{
+    Difference result;
+    for (int y = 0; y < frame.height(); ++y)
+        for (int x = 0; x < frame.width(); ++x)
+            for (int c = 0; c < 3; ++c) {
+                const double d = std::abs(Reference::channelOf(frame.pixel(x, y), c) - reference.at(x, y, c));
+                result.mean += d / (3.0 * frame.width() * frame.height());
+                result.worst = std::max(result.worst, d);
+            }
+    return result;
+}
+
+} // namespace FlowReference
