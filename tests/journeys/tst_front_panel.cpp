@@ -1,30 +1,26 @@
 #include "tests/journeys/panelprocess.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/unitroot.h"
+#include "tests/tools/windowhand.h"
 #include "tools/supervisor/encoderknob.h"
 #include "tools/supervisor/keybutton.h"
-#include "tools/supervisor/supervisorwindow.h"
 
 #include <QCheckBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
-#include <QTimer>
-#include <QWheelEvent>
 
 #include <memory>
 #include <optional>
 
 namespace {
 
-const QString demo = QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/");
-
 /** The demo unit, whole, in a place of the test's own. */
 struct DemoUnit {
     DemoUnit()
     {
         if (QProcess::execute(QStringLiteral("cp"),
-                              {QStringLiteral("-r"), demo + QStringLiteral("root/."), root.path({})}))
+                              {QStringLiteral("-r"),
+                               QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/root/."), root.path({})}))
             qFatal("cannot copy the demo unit");
     }
     UnitRoot root;
@@ -43,27 +39,15 @@ struct Unit {
 
     template <typename Widget> Widget* child(const char* name)
     {
-        auto* found = window->findChild<Widget*>(QString::fromLatin1(name));
-        if (!found)
-            qFatal("the window has no %s", name);
-        return found;
+        return WindowHand::child<Widget>(*window, name);
     }
     void key(const char* name) { QTest::mouseClick(child<KeyButton>(name), Qt::LeftButton); }
-    void turn(int notches)
-    {
-        EncoderKnob* knob = child<EncoderKnob>("encoder");
-        const QPointF middle = knob->rect().center();
-        QWheelEvent event(middle, knob->mapToGlobal(middle.toPoint()), QPoint(), QPoint(0, 120 * notches),
-                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(knob, &event);
-    }
+    void turn(int notches) { WindowHand::wheel(child<EncoderKnob>("encoder"), 120 * notches); }
     void pressLong(const char* name)
     {
         auto* button = child<QWidget>(name);
         QTest::mousePress(button, Qt::LeftButton);
-        QTimer* hold = button->findChild<QTimer*>(QStringLiteral("hold"));
-        QTimerEvent event(hold->timerId());
-        QCoreApplication::sendEvent(hold, &event);
+        WindowHand::fire(button->findChild<QTimer*>(QStringLiteral("hold")));
         QTest::mouseRelease(button, Qt::LeftButton);
     }
     /** Whether the window comes to name this mode, as the panel has answered. */
@@ -84,12 +68,6 @@ struct Unit {
                                    [&](const QString& line) { return line.contains(text); });
             },
             10000);
-    }
-    void openMusic()
-    {
-        auto* folder = child<QLineEdit>("folder");
-        folder->setText(demo + QStringLiteral("music"));
-        QTest::keyClick(folder, Qt::Key_Return);
     }
 
     DemoUnit demoUnit;
@@ -124,16 +102,13 @@ private slots:
         QVERIFY(unit.shows("radio-list"));
         unit.key("esc");
         QVERIFY(unit.shows("radio"));
-        unit.pressLong("encoder");
-        QVERIFY(unit.shows("menu"));
-        unit.turn(1);
-        unit.key("select");
-        QVERIFY(unit.shows("netbgm"));
-        unit.pressLong("encoder");
-        QVERIFY(unit.shows("menu"));
-        unit.turn(1);
-        unit.key("select");
-        QVERIFY(unit.shows("setup"));
+        for (const char* next : {"netbgm", "setup"}) {
+            unit.pressLong("encoder");
+            QVERIFY(unit.shows("menu"));
+            unit.turn(1);
+            unit.key("select");
+            QVERIFY(unit.shows(next));
+        }
         unit.key("select");
         QVERIFY(unit.shows("dhcp"));
         unit.key("esc");
@@ -159,7 +134,7 @@ private slots:
     {
         Unit unit;
         QVERIFY(unit.shows("none"));
-        unit.openMusic();
+        WindowHand::openDemoMusic(*unit.window);
         QVERIFY(unit.shows("usb"));
         unit.key("play-pause");
         QVERIFY(unit.prints(QStringLiteral("MP3 Tag (utf-16)[ Small Hours ]")));
@@ -173,7 +148,7 @@ private slots:
     {
         Unit unit;
         QVERIFY(unit.shows("none"));
-        unit.openMusic();
+        WindowHand::openDemoMusic(*unit.window);
         QVERIFY(unit.shows("usb"));
         unit.panel.reset();
         QTRY_VERIFY(unit.child<QLabel>("link")->text().startsWith(QLatin1String("No link")));

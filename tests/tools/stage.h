@@ -1,0 +1,63 @@
+#pragma once
+
+#include "tests/tools/fakepanel.h"
+#include "tests/tools/windowhand.h"
+#include "tools/supervisor/encoderknob.h"
+#include "tools/supervisor/frontpanel.h"
+#include "tools/supervisor/keybutton.h"
+#include "tools/supervisor/script.h"
+
+#include <QLabel>
+#include <QtTest>
+
+/** The window on a panel of the test's own. */
+struct Stage {
+    Stage()
+        : window(QStringLiteral("127.0.0.1"), panel.port())
+    {
+        window.show();
+        window.activateWindow();
+        panel.mode = 1;
+    }
+
+    bool isUp()
+    {
+        return QTest::qWaitFor([this] { return text("mode") == QLatin1String("Mode: usb"); });
+    }
+
+    /** Whether the panel has received these words and nothing else but questions for the mode. */
+    bool hears(const QStringList& lines)
+    {
+        QByteArray expected;
+        for (const QString& line : lines)
+            expected += parseWords(splitLine(line).words).action.packet;
+        const QByteArray mark = QByteArray::fromHex("0400010063"); // behind all that was sent before
+        emit window.findChild<FrontPanel*>()->said({QStringLiteral("level"), QStringLiteral("99")});
+        const bool arrived = QTest::qWaitFor([&] { return panel.packets.contains(mark); });
+        panel.packets.removeAll(mark);
+        const QByteArray heard = panel.packetsButRequests().join();
+        panel.packets.clear();
+        if (heard != expected)
+            qDebug() << "heard" << heard.toHex(' ') << "instead of" << expected.toHex(' ');
+        return arrived && heard == expected;
+    }
+    bool hears(const char* line) { return hears(QStringList{QString::fromLatin1(line)}); }
+
+    template <typename Widget> Widget* child(const char* name)
+    {
+        return WindowHand::child<Widget>(window, name);
+    }
+    EncoderKnob* knob() { return child<EncoderKnob>("encoder"); }
+    QString text(const char* label) { return child<QLabel>(label)->text(); }
+    QTimer* timer(const char* name) { return child<QTimer>(name); }
+    void openDemoMusic() { WindowHand::openDemoMusic(window); }
+    /** What the window says of that music as a disk. */
+    static QStringList diskLines()
+    {
+        return {QStringLiteral("device usb"), QStringLiteral("disk-state normal"), QStringLiteral("disk 4 2"),
+                QStringLiteral("mode all")};
+    }
+
+    FakePanel panel;
+    SupervisorWindow window;
+};
