@@ -1,16 +1,17 @@
 #include "tests/support/panelmain.h"
+#include "tests/support/strings.h"
 #include "tests/widgets/flowmodel.h"
 #include "widgets/pictureflow.h"
 #include "widgets/pictureflowanimator.h"
 #include "widgets/pictureflowstate.h"
 
-#include <QMetaMethod>
 #include <QMetaProperty>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <array>
 #include <climits>
 #include <functional>
 #include <random>
@@ -68,6 +69,56 @@ bool pressKey(PictureFlow& flow, int key, Qt::KeyboardModifiers modifiers = Qt::
     return event.isAccepted();
 }
 
+using Fields = std::array<FlowModel::Int, 8>;
+
+Fields fieldsOf(const PictureFlow& flow)
+{
+    return {flow.centerIndex(),
+            flow.GetFocusIndex(),
+            flow.animator().target,
+            flow.animator().step,
+            flow.animator().frame,
+            flow.state().centerSlide.cx,
+            flow.state().rightSlides[0].cx,
+            flow.state().leftSlides[5].blend};
+}
+
+Fields fieldsOf(const FlowModel::Strip& model)
+{
+    return {model.center, model.focus,     model.target,      model.step,
+            model.frame,  model.middle.cx, model.right[0].cx, model.left[5].blend};
+}
+
+/** One operation on the flow and on its model, most often a tick. */
+void doAny(std::mt19937& random, int index, PictureFlow& flow, FlowModel::Strip& model)
+{
+    switch (random() % 50) {
+    case 0:
+    case 1:
+        flow.showNext();
+        model.next();
+        break;
+    case 2:
+    case 3:
+        flow.showPrevious();
+        model.previous();
+        break;
+    case 4:
+        flow.showSlide(index);
+        model.show(index);
+        break;
+    case 5:
+        if (random() % 20 == 0) {
+            flow.setCenterIndex(index);
+            model.setCenter(index);
+        }
+        break;
+    default:
+        flow.updateAnimation();
+        model.tick();
+    }
+}
+
 } // namespace
 
 class PictureFlowTest : public QObject {
@@ -77,11 +128,8 @@ private slots:
     void interface()
     {
         const QMetaObject& meta = PictureFlow::staticMetaObject;
-        QStringList methods;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-            methods << QString::fromLatin1(meta.method(i).methodSignature());
         QCOMPARE(
-            methods.join(QLatin1Char(' ')),
+            ownMethods(meta).join(QLatin1Char(' ')),
             QStringLiteral("centerIndexChanged(int) addSlide(QImage) addSlide(QPixmap) setSlide(int,QImage) "
                            "setSlide(int,QPixmap) setCenterIndex(int) clear() showPrevious() showNext() "
                            "showSlide(int) render() triggerRender() updateAnimation()"));
@@ -558,43 +606,10 @@ private slots:
             model.setCenter(0);
             for (int i = 0; i < 12000; ++i) {
                 const int index = int(random() % unsigned(count + 8)) - 4;
-                switch (random() % 50) {
-                case 0:
-                case 1:
-                    flow.showNext();
-                    model.next();
-                    break;
-                case 2:
-                case 3:
-                    flow.showPrevious();
-                    model.previous();
-                    break;
-                case 4:
-                    flow.showSlide(index);
-                    model.show(index);
-                    break;
-                case 5:
-                    if (random() % 20 == 0) {
-                        flow.setCenterIndex(index);
-                        model.setCenter(index);
-                    }
-                    break;
-                default:
-                    flow.updateAnimation();
-                    model.tick();
-                }
-                const FlowModel::Int is[] = {flow.centerIndex(),
-                                             flow.GetFocusIndex(),
-                                             flow.animator().target,
-                                             flow.animator().step,
-                                             flow.animator().frame,
-                                             flow.state().centerSlide.cx,
-                                             flow.state().rightSlides[0].cx,
-                                             flow.state().leftSlides[5].blend};
-                const FlowModel::Int expected[] = {model.center,      model.focus,        model.target,
-                                                   model.step,        model.frame,        model.middle.cx,
-                                                   model.right[0].cx, model.left[5].blend};
-                for (int field = 0; field < 8; ++field)
+                doAny(random, index, flow, model);
+                const Fields is = fieldsOf(flow);
+                const Fields expected = fieldsOf(model);
+                for (std::size_t field = 0; field < is.size(); ++field)
                     QVERIFY2(
                         is[field] == expected[field],
                         qPrintable(
