@@ -4,6 +4,7 @@
 #include "tests/tags/covers.h"
 #include "tests/tags/mediabuilder.h"
 #include "tests/tags/mediafolder.h"
+#include "tests/tags/tagreading.h"
 
 using namespace MediaBuilder;
 
@@ -15,24 +16,7 @@ const QString emptyBlock = QStringLiteral("E Not found tag information [1]");
 const QString longBlock = QStringLiteral("E [FLAC] Not found tag information [2]");
 const QString vendorLine = QStringLiteral("I maker 1.0");
 
-/** What one reading of a file gave. */
-struct Reading {
-    explicit Reading(const QByteArray& file)
-    {
-        MediaFolder folder;
-        const QString path = folder.write(QStringLiteral("x.flac"), file);
-        LogCatcher catcher;
-        const QFLACparser reader(path, nullptr);
-        title = reader.GetTitle();
-        artist = reader.GetArtist();
-        album = reader.GetAlbum();
-        picture = reader.GetPicture().toImage();
-        log = LogCatcher::plain();
-    }
-    QString title, artist, album;
-    QImage picture;
-    QStringList log;
-};
+using Reading = TagReading<QFLACparser>;
 
 QByteArray commentBlock(const QList<QByteArray>& comments, bool isLast = true)
 {

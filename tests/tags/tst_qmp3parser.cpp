@@ -6,6 +6,7 @@
 #include "tests/tags/mediabuilder.h"
 #include "tests/tags/mediafolder.h"
 #include "tests/tags/peakmemory.h"
+#include "tests/tags/tagreading.h"
 
 #include <QTextCodec>
 
@@ -27,24 +28,7 @@ QString sizeLine(qint64 size)
     return QStringLiteral("[ID3] MP3 Tag, Frame Size [ %1 ]").arg(size);
 }
 
-/** What one reading of a file gave. */
-struct Reading {
-    explicit Reading(const QByteArray& file)
-    {
-        MediaFolder folder;
-        const QString path = folder.write(QStringLiteral("x.mp3"), file);
-        LogCatcher catcher;
-        const QMP3Parser reader(path, nullptr);
-        title = reader.GetTitle();
-        artist = reader.GetArtist();
-        album = reader.GetAlbum();
-        picture = reader.GetPicture().toImage();
-        log = LogCatcher::plain();
-    }
-    QString title, artist, album;
-    QImage picture;
-    QStringList log;
-};
+using Reading = TagReading<QMP3Parser>;
 
 } // namespace
 

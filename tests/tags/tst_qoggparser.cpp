@@ -5,6 +5,7 @@
 #include "tests/tags/mediafolder.h"
 #include "tests/tags/naivereader.h"
 #include "tests/tags/peakmemory.h"
+#include "tests/tags/tagreading.h"
 
 using namespace MediaBuilder;
 
@@ -21,24 +22,7 @@ QString titleLine(const QString& title)
     return QStringLiteral("I [OGG] TITLE - ") + title;
 }
 
-/** What one reading of a file gave. */
-struct Reading {
-    explicit Reading(const QByteArray& file)
-    {
-        MediaFolder folder;
-        const QString path = folder.write(QStringLiteral("x.ogg"), file);
-        LogCatcher catcher;
-        const QOggParser reader(path, nullptr);
-        title = reader.GetTitle();
-        artist = reader.GetArtist();
-        album = reader.GetAlbum();
-        hasPicture = !reader.GetPicture().isNull();
-        log = LogCatcher::plain();
-    }
-    QString title, artist, album;
-    bool hasPicture;
-    QStringList log;
-};
+using Reading = TagReading<QOggParser>;
 
 QByteArray audio(int bytes)
 {
@@ -76,7 +60,7 @@ private slots:
         QCOMPARE(reading.title, QStringLiteral("x"));
         QCOMPARE(reading.artist, QStringLiteral("y"));
         QCOMPARE(reading.album, QString());
-        QVERIFY(!reading.hasPicture);
+        QVERIFY(reading.picture.isNull());
         QCOMPARE(reading.log,
                  QStringList({vendorLine, titleLine(QStringLiteral("x")),
                               QStringLiteral("I [OGG] ARTIST - y"), noPage}));
