@@ -1,11 +1,11 @@
 #include "config/configfile.h"
 
 #include "app/dprintf.h"
+#include "app/openfile.h"
 #include "app/qtcompat.h"
 
 #include <QBuffer>
 #include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 #include <QXmlStreamWriter>
 
@@ -16,18 +16,6 @@ constexpr qint64 maxConfigBytes = 4LL * 1024 * 1024;
 
 /** The encoding declaration stands in the first line of a file. */
 constexpr int declarationBytes = 256;
-
-/** Opening or reading a FIFO or a device may wait for ever, and replacing one by a file may harm the unit. */
-bool isSpecial(const QString& path)
-{
-    const QFileInfo info(path);
-    return info.exists() && !info.isFile() && !info.isDir();
-}
-
-QString notRegular()
-{
-    return QStringLiteral("Not a regular file");
-}
 
 QByteArray declaredEncoding(const QByteArray& bytes)
 {
@@ -91,13 +79,6 @@ ConfigWrite writeInPlace(const QString& path, const QByteArray& bytes, QString* 
 
 } // namespace
 
-QString openToRead(QFile& file, QIODevice::OpenMode mode)
-{
-    if (isSpecial(file.fileName()))
-        return notRegular();
-    return file.open(mode) ? QString() : file.errorString();
-}
-
 ConfigReader::ConfigReader(const QString& path)
     : m_path(path)
 {
@@ -156,8 +137,9 @@ bool ConfigReader::endedEarly() const
 
 ConfigWrite writeConfig(const QString& path, const ConfigElements& elements, QString* error)
 {
-    if (isSpecial(path))
-        return notOpened(notRegular(), error);
+    const QString special = specialFileReason(path);
+    if (!special.isEmpty())
+        return notOpened(special, error);
     const QByteArray bytes = toXml(elements);
     QSaveFile aside(path);
     if (aside.open(QIODevice::WriteOnly)) {

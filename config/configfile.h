@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QIODevice>
 #include <QPair>
 #include <QString>
 #include <QStringList>
@@ -9,18 +8,10 @@
 
 #include <functional>
 
-class QFile;
-
 /**
  * The unit's configuration files: XML with a root element "config" and flat text elements below it. All of
  * them are read and written here, so that every screen treats a damaged file alike.
  */
-
-/**
- * Opens a file of the unit for reading and returns the reason when that fails, nothing when it is open. Only
- * regular files are opened: a FIFO or a device could hold the panel up.
- */
-QString openToRead(QFile& file, QIODevice::OpenMode mode);
 
 /** How the elements of one kind of file are found below "config". */
 struct FlatPattern {

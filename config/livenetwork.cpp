@@ -1,7 +1,7 @@
 #include "config/livenetwork.h"
 
+#include "app/openfile.h"
 #include "app/utf8.h"
-#include "config/configfile.h"
 #include "config/unitpaths.h"
 
 #include <QDeadlineTimer>

@@ -1,6 +1,7 @@
 #include "screens/aoeform.h"
 
 #include "app/dprintf.h"
+#include "app/openfile.h"
 #include "app/utf8.h"
 #include "config/configfile.h"
 #include "config/unitpaths.h"

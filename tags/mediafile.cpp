@@ -1,17 +1,15 @@
 #include "tags/mediafile.h"
 
-#include <QFileInfo>
+#include "app/openfile.h"
 
 bool MediaFile::openForReading(const QString& path, OpenMode extra)
 {
     close();
     setFileName(path);
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile() && !info.isDir()) { // opening a pipe waits for its other end
-        setErrorString(QStringLiteral("Not a regular file"));
-        return false;
-    }
-    return open(ReadOnly | extra);
+    const QString error = openToRead(*this, ReadOnly | extra);
+    if (!error.isEmpty())
+        setErrorString(error);
+    return error.isEmpty();
 }
 
 QByteArray MediaFile::readAtMost(qint64 bytes)
