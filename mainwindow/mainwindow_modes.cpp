@@ -124,6 +124,14 @@ constexpr StateRow states[] = {
 };
 static_assert(std::size(states) == modeStates, "one row a state");
 
+QAbstractTransition* transitionTo(const QAbstractState* target, const QState& from)
+{
+    for (QAbstractTransition* transition : from.transitions())
+        if (transition->targetState() == target)
+            return transition;
+    qFatal("no transition leads from %s there", qPrintable(from.objectName()));
+}
+
 } // namespace
 
 void MainWindow::CreateStatemachine()
@@ -192,9 +200,9 @@ void MainWindow::addTransitions()
 void MainWindow::forgetStartState()
 {
     QState* const menu = state(ModeState::MenuMode);
-    QAbstractTransition* const escape = menu->transitions().constFirst();
-    QAbstractTransition* const openMenu = state(ModeState::StartState)->transitions().constLast();
     QAbstractState* const history = m_states[std::size_t(ModeState::ModeHistory)];
+    QAbstractTransition* const escape = transitionTo(history, *menu);
+    QAbstractTransition* const openMenu = transitionTo(menu, *state(ModeState::StartState));
     QState* const setup = state(ModeState::SetMode);
     connect(openMenu, &QAbstractTransition::triggered, escape, [=] { escape->setTargetState(setup); });
     connect(menu, &QState::exited, escape, [=] { escape->setTargetState(history); });
