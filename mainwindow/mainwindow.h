@@ -136,9 +136,9 @@ private:
     Ui::MainWindow* ui;
     tcp_server* m_server = nullptr;
     PAparser* m_parser = nullptr;
-    QQueue<QByteArray> m_sparePackets;
+    QQueue<QByteArray> m_sparePackets; // nothing uses it
     QByteArray m_received;
-    QByteArray m_spareBytes;
+    QByteArray m_spareBytes; // nothing uses it
     QMP3Parser* m_mp3Parser = nullptr;
     QTagParser* m_tagParser = nullptr;
     QStateMachine* m_machine = nullptr;

@@ -75,7 +75,7 @@ signals:
     void sgDiskStatNormal();
     void sgDiskRemoved();
     void sgDiskInfo(QString strFolder, QString strFiles);
-    void sgAoeInfo(QString strIp, QString strSampleRate);
+    void sgAoeInfo(QString strIp, QString strSampleRate); ///< never
     void sgIRInfo(QString strTitle, QString strUrl);
     void sgDEVICE_USB_FRONT_Enter();
     void sgDEVICE_USB_FRONT_Exit();
@@ -108,7 +108,7 @@ signals:
     void sgAOE_STAT_OVER();
 
 private:
-    QByteArray m_spare;
+    QByteArray m_spare; // nothing uses it
     QByteArray m_lastPacket;
     quint8 m_lastLevel = 0;
     quint8 m_levelBefore = 0;

@@ -158,7 +158,7 @@ QMap<QString, QString> RadioListForm::parseData(QXmlStreamReader& xml)
         if (xml.isStartElement()) {
             if (xml.name() == QLatin1String("title"))
                 addElementDataToMap(xml, station);
-            if (xml.name() == QLatin1String("url"))
+            if (xml.name() == QLatin1String("url")) // also where the reader has come to inside a title
                 addElementDataToMap(xml, station);
         }
         xml.readNext();

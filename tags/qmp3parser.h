@@ -49,9 +49,11 @@ private:
 
     QString m_path;
     MediaFile m_file;
+    // Nothing uses these four.
     QString m_spareTitle;
     QString m_spareArtist;
     QString m_spareAlbum;
     QPixmap m_sparePicture;
+
     TagInfomation m_info;
 };

@@ -26,8 +26,8 @@ int multiply(int a, int b);
 struct SlideInfo {
     int slideIndex = 0; ///< position in the slide list; outside the list nothing is drawn
     int angle = 0; ///< turn about the slide's vertical axis, 1024ths of a full turn
-    int cx = 0; ///< place relative to the widget's centre, 1024 to a pixel
-    int cy = 0; ///< likewise
+    int cx = 0; ///< place along the strip from its middle, 1024 to a pixel
+    int cy = 0; ///< how far it stands back, 1024 to a pixel
     int blend = 0; ///< 256 opaque to 0 invisible
 };
 
@@ -62,8 +62,8 @@ public:
 
     int angle = 0; ///< turn of the side slides
     int spacing = 0; ///< pixels between neighbouring side slides
-    int offsetX = 0; ///< from the centre to the first side slide
-    int offsetY = 0; ///< shift of the side slides
+    int offsetX = 0; ///< cx of the first side slide
+    int offsetY = 0; ///< cy of the side slides
 
     SlideInfo centerSlide;
     std::vector<SlideInfo> leftSlides; ///< from the centre outwards
