@@ -315,7 +315,7 @@ private slots:
             written << Document::word(row[0]);
         QSet<QString> used;
         static const QRegularExpression call(
-            QStringLiteral("(?:qgetenv|qputenv|qEnvironmentVariable\\w*|getenv)\\(\"(\\w+)\""));
+            QStringLiteral("\\b(?:qgetenv|qputenv|qEnvironmentVariable\\w*|getenv|take)\\(\"(\\w+)\""));
         for (const char* room :
              {"app", "config", "link", "protocol", "tags", "widgets", "screens", "mainwindow"}) {
             const QString folder = QStringLiteral(VIREO_SOURCE_DIR "/") + QLatin1String(room);
