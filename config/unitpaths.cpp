@@ -1,7 +1,5 @@
 #include "config/unitpaths.h"
 
-#include <QByteArray>
-
 #include <iterator>
 
 namespace {

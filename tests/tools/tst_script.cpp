@@ -5,7 +5,6 @@
 #include "tests/tools/supervisorrun.h"
 #include "tools/supervisor/script.h"
 
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 

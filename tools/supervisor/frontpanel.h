@@ -5,7 +5,6 @@
 #include <QWidget>
 
 class QAbstractButton;
-class QGridLayout;
 
 /** The unit's own controls: the encoder, the seven keys and the source switches. */
 class FrontPanel : public QWidget {

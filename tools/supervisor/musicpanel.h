@@ -3,8 +3,6 @@
 #include <QWidget>
 
 class PlayerModel;
-class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListWidget;
