@@ -224,14 +224,6 @@ private slots:
         QCOMPARE(QProcess::execute(QStringLiteral("python3"), arguments), 0);
     }
 
-    void rowsAreStoredPlain()
-    {
-        QStringList arguments{kArt + QStringLiteral("plainrows.py"), QStringLiteral("--check")};
-        for (const PanelImage& image : kImages)
-            arguments << kResources + latin(image.drawing) + QStringLiteral(".png");
-        QCOMPARE(QProcess::execute(QStringLiteral("python3"), arguments), 0);
-    }
-
     void groundsAndSlidesAreOpaque_data() { imageRows(Opaque); }
     void groundsAndSlidesAreOpaque()
     {
