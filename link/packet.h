@@ -36,6 +36,9 @@ enum class Command : quint16 {
     AoeStat = 17, ///< 1 byte: audio over Ethernet 0 stopped, 1 playing, 2 failed, 3 rate too high
 };
 
+/** The TCP port that the display listens on. */
+constexpr quint16 linkPort = 5000;
+
 constexpr quint16 firstCommand = quint16(Command::Filename);
 constexpr quint16 lastCommand = quint16(Command::AoeStat);
 

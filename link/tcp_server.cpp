@@ -1,7 +1,6 @@
 #include "link/tcp_server.h"
 
 #include "app/dprintf.h"
-#include "link/packet.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>

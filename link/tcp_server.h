@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/packet.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -20,7 +22,7 @@ class tcp_server : public QWidget {
     Q_OBJECT
 
 public:
-    static constexpr quint16 port = 5000;
+    static constexpr quint16 port = linkPort;
     /** Bytes that wait unread on a replaced connection before its peer is held up, and unsent before it is
      * dropped. */
     static constexpr qint64 replacedBufferBytes = 16LL * 1024;

@@ -139,12 +139,12 @@ private:
     QQueue<QByteArray> m_sparePackets; // nothing uses it
     QByteArray m_received;
     QByteArray m_spareBytes; // nothing uses it
-    QMP3Parser* m_mp3Parser = nullptr;
+    QMP3Parser* m_mp3Parser = nullptr; // nothing uses it
     QTagParser* m_tagParser = nullptr;
     QStateMachine* m_machine = nullptr;
     std::array<QAbstractState*, modeStates> m_states = {};
-    QString m_irTitle;
-    QString m_irUrl;
+    QString m_irTitle; // nothing reads it
+    QString m_irUrl; // nothing reads it
     ModeCode m_mode = ModeCode::None;
 
     /** The connections of the encoder and the keys to the screen that shows; they live as long as its mode.

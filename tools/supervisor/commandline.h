@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/packet.h"
+
 #include <QPoint>
 #include <QString>
 #include <QStringList>
@@ -12,7 +14,7 @@ struct CommandLine {
 
     Run run = Run::Window;
     QString host = QStringLiteral("127.0.0.1");
-    quint16 port = 5000;
+    quint16 port = linkPort;
     QString music; ///< Window: a folder of music to begin with
     std::optional<QPoint> place; ///< Window: its corner on the screen
     QStringList words; ///< Send: the words of the packet; Script: the one file name
