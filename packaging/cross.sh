@@ -16,7 +16,7 @@ fi
 # emulator lacks the call with which the toolkit starts programs, so nothing here can restart a network.
 tests=(tst_packet tst_paparser tst_receive tst_watchdog
     tst_qtagparser tst_qmp3parser tst_qflacparser tst_qoggparser tst_coverpicture tst_damagedmedia
-    tst_pictureflow tst_pictureflowanimator tst_pictureflowrenderer tst_pictureflowsurface
+    tst_pictureflow tst_pictureflowturns tst_pictureflowanimator tst_pictureflowrenderer tst_pictureflowsurface
     tst_mainwindow tst_modes tst_modewiring tst_random_journey)
 
 tools/setup.sh build cross
