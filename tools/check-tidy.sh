@@ -2,4 +2,6 @@
 # Holds every source of the program to .clang-tidy. The default preset must have been built: headers are generated.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-git ls-files '*.cpp' ':!tests' ':!bench' ':!fuzz' | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/default
+# The build is for another compiler, some of whose warnings this one does not know.
+git ls-files '*.cpp' ':!tests' ':!bench' ':!fuzz' | xargs -P "$(nproc)" -n 4 \
+    clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/default
