@@ -19,6 +19,7 @@ tests=(tst_packet tst_paparser tst_receive tst_watchdog
     tst_pictureflow tst_pictureflowturns tst_pictureflowanimator tst_pictureflowrenderer tst_pictureflowsurface
     tst_mainwindow tst_modes tst_modewiring tst_random_journey)
 
+echo "Building for $arch and testing in an emulator: about a quarter of an hour on two cores."
 tools/setup.sh build cross
 packaging/sysroot.sh "$arch"
 cmake --preset "$arch"
