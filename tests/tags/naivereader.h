@@ -127,8 +127,26 @@ private:
         title = m_path.section(QLatin1Char('/'), -1);
     }
 
+    /** A PNG of which a part claims to go on behind its end never loads, but takes the memory that it claims.
+     */
+    static bool isPngThatClaimsTooMuch(const QByteArray& data)
+    {
+        if (!data.startsWith("\x89PNG\r\n\x1a\n"))
+            return false;
+        qint64 at = 8;
+        while (at + 8 <= data.size() && data.mid(at + 4, 4) != "IEND") {
+            const qint64 length = big(data.mid(at, 4));
+            if (at + 8 + length > data.size())
+                return true;
+            at += 12 + length;
+        }
+        return false;
+    }
+
     static QPixmap cover(const QByteArray& data)
     {
+        if (isPngThatClaimsTooMuch(data))
+            return {};
         QByteArray copy = data;
         QBuffer buffer(&copy);
         const QSize size = QImageReader(&buffer).size();
