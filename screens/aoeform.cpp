@@ -23,12 +23,12 @@ constexpr qint64 longestSampleRate = 4096;
 
 AOEForm::AOEForm(QWidget* parent)
     : QWidget(parent)
-    , m_form(std::make_unique<Ui::AOEForm>())
+    , ui(std::make_unique<Ui::AOEForm>())
 {
-    m_form->setupUi(this);
-    LevelMeter(*m_form).clear();
-    m_form->lb_POPUP->hide();
-    m_form->lbl_background_alpha->hide();
+    ui->setupUi(this);
+    LevelMeter(*ui).clear();
+    ui->lb_POPUP->hide();
+    ui->lbl_background_alpha->hide();
     InitFont();
 }
 
@@ -37,32 +37,32 @@ AOEForm::~AOEForm() = default;
 void AOEForm::InitFont()
 {
     const QFont font = panelFont(textPoints);
-    m_form->lb_aoe_ip->setFont(font);
-    m_form->lb_aoe_sample_rate->setFont(font);
-    m_form->lb_POPUP->setFont(font);
+    ui->lb_aoe_ip->setFont(font);
+    ui->lb_aoe_sample_rate->setFont(font);
+    ui->lb_POPUP->setFont(font);
 }
 
 void AOEForm::showAoeInfo(QString sampleRate, QString ipAddress)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_POPUP->hide();
-    m_form->lb_aoe_ip->setText(ipAddress);
-    m_form->lb_aoe_sample_rate->setText(sampleRate);
+    ui->lb_POPUP->hide();
+    ui->lb_aoe_ip->setText(ipAddress);
+    ui->lb_aoe_sample_rate->setText(sampleRate);
 }
 
 void AOEForm::showPlay()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbl_background_alpha->hide();
-    m_form->lb_POPUP->hide();
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
+    ui->lbl_background_alpha->hide();
+    ui->lb_POPUP->hide();
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
     AoeInfoFromXML();
 }
 
 void AOEForm::showStop()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
 }
 
 void AOEForm::showFailMSG()
@@ -79,9 +79,9 @@ void AOEForm::showOVERMSG()
 
 void AOEForm::popUp(const QString& text)
 {
-    m_form->lb_POPUP->show();
-    m_form->lbl_background_alpha->show();
-    m_form->lb_POPUP->setText(text);
+    ui->lb_POPUP->show();
+    ui->lbl_background_alpha->show();
+    ui->lb_POPUP->setText(text);
 }
 
 void AOEForm::showLevel(unsigned char level)
@@ -90,13 +90,13 @@ void AOEForm::showLevel(unsigned char level)
     if (level == 0)
         initLevel();
     else
-        LevelMeter(*m_form).light(level);
+        LevelMeter(*ui).light(level);
 }
 
 void AOEForm::initLevel()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    LevelMeter(*m_form).clear();
+    LevelMeter(*ui).clear();
 }
 
 void AOEForm::AoeInfoFromXML()
@@ -104,8 +104,8 @@ void AOEForm::AoeInfoFromXML()
     DPRINTF(0, "%s", Q_FUNC_INFO);
     if (!readSampleRate() || !readAddress())
         return;
-    m_form->lb_aoe_ip->setText(m_ipAddress);
-    m_form->lb_aoe_sample_rate->setText(m_sampleRate);
+    ui->lb_aoe_ip->setText(m_ipAddress);
+    ui->lb_aoe_sample_rate->setText(m_sampleRate);
 }
 
 bool AOEForm::readSampleRate()
@@ -114,7 +114,7 @@ bool AOEForm::readSampleRate()
     const QString error = openToRead(file, QIODevice::ReadOnly | QIODevice::Text);
     if (!error.isEmpty()) {
         DPRINTF(4, "SampleRate [%s]", error.toUtf8().constData());
-        m_form->lb_aoe_sample_rate->setText(tr("Read SR to failed"));
+        ui->lb_aoe_sample_rate->setText(tr("Read SR to failed"));
         return false;
     }
     m_sampleRate = utf8UntilZero(file.readLine(longestSampleRate));
@@ -126,7 +126,7 @@ bool AOEForm::readAddress()
     ConfigReader reader(unitPath(UnitPath::AoeConnection));
     if (!reader.isOpen()) {
         DPRINTF(4, "XML [%s]", reader.errorString().toUtf8().constData());
-        m_form->lb_aoe_ip->setText(tr("Read XML to failed"));
+        ui->lb_aoe_ip->setText(tr("Read XML to failed"));
         return false;
     }
     reader.readFlat({{QStringLiteral("ip_addr")}, QStringLiteral("config")},

@@ -40,7 +40,7 @@ private:
     bool readSampleRate();
     bool readAddress();
 
-    std::unique_ptr<Ui::AOEForm> m_form;
+    std::unique_ptr<Ui::AOEForm> ui;
     QString m_ipAddress;
     QString m_sampleRate;
     [[maybe_unused]] int m_spare = 0; // nothing uses it

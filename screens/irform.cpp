@@ -15,9 +15,9 @@ constexpr int textPoints = 12;
 
 IRForm::IRForm(QWidget* parent)
     : QWidget(parent)
-    , m_form(std::make_unique<Ui::IRForm>())
+    , ui(std::make_unique<Ui::IRForm>())
 {
-    m_form->setupUi(this);
+    ui->setupUi(this);
     InitFont();
     initLevel();
 }
@@ -27,8 +27,8 @@ IRForm::~IRForm() = default;
 void IRForm::InitFont()
 {
     const QFont font = panelFont(textPoints);
-    m_form->lb_IR_Title->setFont(font);
-    m_form->lb_IR_Url->setFont(font);
+    ui->lb_IR_Title->setFont(font);
+    ui->lb_IR_Url->setFont(font);
 }
 
 void IRForm::RadioInfoFromXML(QString path)
@@ -44,7 +44,7 @@ void IRForm::RadioInfoFromXML(QString path)
                         if (text.isEmpty())
                             return Flat::More;
                         const bool isName = element == name;
-                        (isName ? m_form->lb_IR_Title : m_form->lb_IR_Url)->setText(text, true);
+                        (isName ? ui->lb_IR_Title : ui->lb_IR_Url)->setText(text, true);
                         return isName ? Flat::Done : Flat::More;
                     });
 }
@@ -52,20 +52,20 @@ void IRForm::RadioInfoFromXML(QString path)
 void IRForm::showIRInfo(QString title, QString url)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_IR_Title->setText(title, true);
-    m_form->lb_IR_Url->setText(url, true);
+    ui->lb_IR_Title->setText(title, true);
+    ui->lb_IR_Url->setText(url, true);
 }
 
 void IRForm::showPlay()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
 }
 
 void IRForm::showStop()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
 }
 
 void IRForm::showLevel(unsigned char level)
@@ -74,11 +74,11 @@ void IRForm::showLevel(unsigned char level)
     if (level == 0)
         initLevel();
     else
-        LevelMeter(*m_form).light(level);
+        LevelMeter(*ui).light(level);
 }
 
 void IRForm::initLevel()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    LevelMeter(*m_form).clear();
+    LevelMeter(*ui).clear();
 }

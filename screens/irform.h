@@ -33,5 +33,5 @@ public slots:
 private:
     void InitFont();
 
-    std::unique_ptr<Ui::IRForm> m_form;
+    std::unique_ptr<Ui::IRForm> ui;
 };

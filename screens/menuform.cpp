@@ -31,16 +31,16 @@ constexpr QSize slideSize(100, 100);
 
 MenuForm::MenuForm(QWidget* parent)
     : QWidget(parent)
-    , m_form(std::make_unique<Ui::MenuForm>())
+    , ui(std::make_unique<Ui::MenuForm>())
 {
-    m_form->setupUi(this);
-    m_form->wgFlow->resize(screenSize);
-    m_form->wgFlow->setSlideSize(slideSize);
+    ui->setupUi(this);
+    ui->wgFlow->resize(screenSize);
+    ui->wgFlow->setSlideSize(slideSize);
     addSlides();
-    m_form->wgFlow->setReflectionEffect(PictureFlow::SoftReflection);
-    m_form->wgFlow->setCenterIndex(MENUIDX_USB);
-    m_form->wgFlow->focusIndex = MENUIDX_USB;
-    m_form->wgFlow->setBackgroundColor(Qt::black);
+    ui->wgFlow->setReflectionEffect(PictureFlow::SoftReflection);
+    ui->wgFlow->setCenterIndex(MENUIDX_USB);
+    ui->wgFlow->focusIndex = MENUIDX_USB;
+    ui->wgFlow->setBackgroundColor(Qt::black);
 }
 
 MenuForm::~MenuForm() = default;
@@ -51,15 +51,15 @@ void MenuForm::addSlides()
     for (const MenuEntry& entry : entries) {
         const QString icon = QLatin1String(entry.icon);
         if (hasOwnImage(icon))
-            m_form->wgFlow->addOwnSlide(icon);
+            ui->wgFlow->addOwnSlide(icon);
     }
 }
 
 void MenuForm::setCurrentIdx(MENUIDX index)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->wgFlow->setCenterIndex(index);
-    m_form->wgFlow->focusIndex = index;
+    ui->wgFlow->setCenterIndex(index);
+    ui->wgFlow->focusIndex = index;
 }
 
 void MenuForm::setPrevMode(MENUIDX index)
@@ -71,19 +71,19 @@ void MenuForm::setPrevMode(MENUIDX index)
 void MenuForm::prev_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->wgFlow->showPrevious();
+    ui->wgFlow->showPrevious();
 }
 
 void MenuForm::next_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->wgFlow->showNext();
+    ui->wgFlow->showNext();
 }
 
 void MenuForm::select_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    const int chosen = std::clamp(m_form->wgFlow->GetFocusIndex(), int(MENUIDX_USB), int(MENUIDX_Setup));
+    const int chosen = std::clamp(ui->wgFlow->GetFocusIndex(), int(MENUIDX_USB), int(MENUIDX_Setup));
     choose(chosen);
 }
 

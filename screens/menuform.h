@@ -50,7 +50,7 @@ private:
     void addSlides();
     void choose(int index);
 
-    std::unique_ptr<Ui::MenuForm> m_form;
+    std::unique_ptr<Ui::MenuForm> ui;
     /** No entry until a mode was left. */
     int m_prevMode = -1;
 };

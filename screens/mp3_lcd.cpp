@@ -56,15 +56,15 @@ void hideWidgets(std::initializer_list<QWidget*> widgets)
 
 mp3_lcd::mp3_lcd(QWidget* parent)
     : QWidget(parent)
-    , m_form(std::make_unique<Ui::mp3_lcd>())
+    , ui(std::make_unique<Ui::mp3_lcd>())
 {
-    m_form->setupUi(this);
-    LevelMeter(*m_form).clear();
+    ui->setupUi(this);
+    LevelMeter(*ui).clear();
     InitFont();
-    m_form->lb_shuffle->hide();
+    ui->lb_shuffle->hide();
     AlbumArtImgOn(false);
-    m_form->lb_FrontUSB->hide();
-    m_form->lb_StreamUSB->hide();
+    ui->lb_FrontUSB->hide();
+    ui->lb_StreamUSB->hide();
 }
 
 mp3_lcd::~mp3_lcd() = default;
@@ -72,8 +72,8 @@ mp3_lcd::~mp3_lcd() = default;
 void mp3_lcd::InitFont()
 {
     const QFont font = panelFont(textPoints);
-    const std::initializer_list<QWidget*> texts = {m_form->lbl_album, m_form->lbl_artist, m_form->lbl_folder,
-                                                   m_form->lbl_files, m_form->lbl_title,  m_form->lbTime};
+    const std::initializer_list<QWidget*> texts = {ui->lbl_album, ui->lbl_artist, ui->lbl_folder,
+                                                   ui->lbl_files, ui->lbl_title,  ui->lbTime};
     for (QWidget* text : texts)
         text->setFont(font);
 }
@@ -81,14 +81,14 @@ void mp3_lcd::InitFont()
 void mp3_lcd::AlbumArtImgOn(bool on)
 {
     if (!on) {
-        hideWidgets({m_form->lbl_image, m_form->lbShadow, m_form->lb_AlbumArt_back});
-        m_form->lb_No_CDImg->show();
+        hideWidgets({ui->lbl_image, ui->lbShadow, ui->lb_AlbumArt_back});
+        ui->lb_No_CDImg->show();
         return;
     }
-    m_form->lb_No_CDImg->hide();
-    showWidgets({m_form->lbl_image, m_form->lb_AlbumArt_back, m_form->lbShadow});
-    m_form->lbl_image->setPixmap(m_albumArt);
-    m_form->lbShadow->setPixmap(CreateShadowImg(m_albumArt));
+    ui->lb_No_CDImg->hide();
+    showWidgets({ui->lbl_image, ui->lb_AlbumArt_back, ui->lbShadow});
+    ui->lbl_image->setPixmap(m_albumArt);
+    ui->lbShadow->setPixmap(CreateShadowImg(m_albumArt));
 }
 
 /** The mirror is not exact: row 0, column 0 and the middle row stay, and row y changes places with h - y. */
@@ -107,154 +107,152 @@ QPixmap mp3_lcd::CreateShadowImg(QPixmap pixmap)
 void mp3_lcd::play_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Play));
     m_playState = Playing;
 }
 
 void mp3_lcd::pause_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Pause));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Pause));
     m_playState = Paused;
 }
 
 void mp3_lcd::stop_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Stop));
     m_playState = Stopped;
 }
 
 void mp3_lcd::next_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Next));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Next));
 }
 
 void mp3_lcd::prev_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbI_PlayState->setPixmap(playIcon(PlayIcon::Previous));
+    ui->lbI_PlayState->setPixmap(playIcon(PlayIcon::Previous));
 }
 
 void mp3_lcd::PlayPause_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
     const bool pause = m_playState == Playing;
-    m_form->lbI_PlayState->setPixmap(playIcon(pause ? PlayIcon::Pause : PlayIcon::Play));
+    ui->lbI_PlayState->setPixmap(playIcon(pause ? PlayIcon::Pause : PlayIcon::Play));
     m_playState = pause ? Paused : Playing;
 }
 
 void mp3_lcd::showAll()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::All));
+    ui->lb_specialState->setPixmap(modeIcon(PlayMode::All));
 }
 
 void mp3_lcd::showFolder()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::Folder));
+    ui->lb_specialState->setPixmap(modeIcon(PlayMode::Folder));
 }
 
 void mp3_lcd::showOne()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::One));
+    ui->lb_specialState->setPixmap(modeIcon(PlayMode::One));
 }
 
 void mp3_lcd::showRptAll()
 {
-    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatAll));
+    ui->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatAll));
 }
 
 void mp3_lcd::showRptFolder()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatFolder));
+    ui->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatFolder));
 }
 
 void mp3_lcd::showRptOne()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatOne));
+    ui->lb_specialState->setPixmap(modeIcon(PlayMode::RepeatOne));
 }
 
 void mp3_lcd::showShuffle()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_shuffle->show();
+    ui->lb_shuffle->show();
 }
 
 void mp3_lcd::showOffShuffle()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_shuffle->hide();
+    ui->lb_shuffle->hide();
 }
 
 void mp3_lcd::showTime(QString time)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbTime->setText(time);
+    ui->lbTime->setText(time);
 }
 
 void mp3_lcd::showDiskInfo(QString folders, QString files)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lbl_folder->setText(folders);
-    m_form->lbl_files->setText(files);
+    ui->lbl_folder->setText(folders);
+    ui->lbl_files->setText(files);
 }
 
 void mp3_lcd::showDiskNormal()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_FrontUSB->show();
+    ui->lb_FrontUSB->show();
 }
 
 void mp3_lcd::showDiskRemoved()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_FrontUSB->hide();
-    m_form->lbl_files->setText(QStringLiteral("FILES: "));
-    m_form->lbl_folder->setText(QStringLiteral(" "));
-    m_form->lbl_title->setText(QStringLiteral("Title"), true);
-    m_form->lbl_album->setText(QStringLiteral("Album"));
-    m_form->lbl_artist->setText(QStringLiteral("Artist"));
-    m_form->lbl_image->clear();
-    m_form->lb_AlbumArt_back->hide();
-    m_form->lb_No_CDImg->show();
-    m_form->lbShadow->clear();
+    ui->lb_FrontUSB->hide();
+    ui->lbl_files->setText(QStringLiteral("FILES: "));
+    ui->lbl_folder->setText(QStringLiteral(" "));
+    ui->lbl_title->setText(QStringLiteral("Title"), true);
+    ui->lbl_album->setText(QStringLiteral("Album"));
+    ui->lbl_artist->setText(QStringLiteral("Artist"));
+    ui->lbl_image->clear();
+    ui->lb_AlbumArt_back->hide();
+    ui->lb_No_CDImg->show();
+    ui->lbShadow->clear();
 }
 
 void mp3_lcd::showUSBStreamEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_form->lb_StreamUSB->show();
+    ui->lb_StreamUSB->show();
 }
 
 void mp3_lcd::showUSBStreamExited()
 {
-    m_form->lb_StreamUSB->hide();
+    ui->lb_StreamUSB->hide();
 }
 
 void mp3_lcd::showUSBFrontEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
     initLevel();
-    showWidgets({m_form->lbl_album, m_form->lbl_artist, m_form->lbl_folder, m_form->lbl_files,
-                 m_form->lb_folderImg, m_form->lbl_image, m_form->lbl_title, m_form->lbShadow,
-                 m_form->lbTime});
-    m_form->lb_AlbumArt_back->hide();
-    showWidgets({m_form->lb_specialState, m_form->lbI_PlayState, m_form->lb_No_CDImg});
+    showWidgets({ui->lbl_album, ui->lbl_artist, ui->lbl_folder, ui->lbl_files, ui->lb_folderImg,
+                 ui->lbl_image, ui->lbl_title, ui->lbShadow, ui->lbTime});
+    ui->lb_AlbumArt_back->hide();
+    showWidgets({ui->lb_specialState, ui->lbI_PlayState, ui->lb_No_CDImg});
 }
 
 void mp3_lcd::showUSBFrontExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    hideWidgets({m_form->lbl_album, m_form->lbl_artist, m_form->lbl_folder, m_form->lbl_files,
-                 m_form->lb_folderImg, m_form->lbl_image, m_form->lbl_title, m_form->lbShadow, m_form->lbTime,
-                 m_form->lb_AlbumArt_back, m_form->lb_specialState, m_form->lbI_PlayState,
-                 m_form->lb_No_CDImg});
+    hideWidgets({ui->lbl_album, ui->lbl_artist, ui->lbl_folder, ui->lbl_files, ui->lb_folderImg,
+                 ui->lbl_image, ui->lbl_title, ui->lbShadow, ui->lbTime, ui->lb_AlbumArt_back,
+                 ui->lb_specialState, ui->lbI_PlayState, ui->lb_No_CDImg});
 }
 
 void mp3_lcd::showAUXEntered()
@@ -273,13 +271,13 @@ void mp3_lcd::showLevel(unsigned char level)
     if (level == 0)
         initLevel();
     else
-        LevelMeter(*m_form).light(level);
+        LevelMeter(*ui).light(level);
 }
 
 void mp3_lcd::initLevel()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    LevelMeter(*m_form).clear();
+    LevelMeter(*ui).clear();
 }
 
 void mp3_lcd::ShowTagInfo(TagInfomation info)
@@ -289,9 +287,9 @@ void mp3_lcd::ShowTagInfo(TagInfomation info)
     m_artist = info.strArtist;
     m_album = info.strAlbum;
     m_albumArt = info.pixPicture;
-    m_form->lbl_album->setText(m_album);
-    m_form->lbl_title->setText(m_title, true);
-    m_form->lbl_artist->setText(m_artist);
+    ui->lbl_album->setText(m_album);
+    ui->lbl_title->setText(m_title, true);
+    ui->lbl_artist->setText(m_artist);
     DPRINTF(1, "Width size of tag Image  %d", m_albumArt.width());
     const bool present = !m_albumArt.isNull();
     DPRINTF(2, "%s", present ? "Album Art Image OK" : "Album Art Image NULL ");

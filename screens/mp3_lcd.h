@@ -65,7 +65,7 @@ private:
     void AlbumArtImgOn(bool on);
     QPixmap CreateShadowImg(QPixmap pixmap);
 
-    std::unique_ptr<Ui::mp3_lcd> m_form;
+    std::unique_ptr<Ui::mp3_lcd> ui;
     QPixmap m_sparePixmap; // no slot uses it
     QPalette m_palette; // no slot uses it
     QString m_title;

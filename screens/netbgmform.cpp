@@ -4,9 +4,9 @@
 
 NetbgmForm::NetbgmForm(QWidget* parent)
     : QWidget(parent)
-    , m_form(std::make_unique<Ui::NetbgmForm>())
+    , ui(std::make_unique<Ui::NetbgmForm>())
 {
-    m_form->setupUi(this);
+    ui->setupUi(this);
 }
 
 NetbgmForm::~NetbgmForm() = default;

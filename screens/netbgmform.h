@@ -17,5 +17,5 @@ public:
     ~NetbgmForm() override;
 
 private:
-    std::unique_ptr<Ui::NetbgmForm> m_form;
+    std::unique_ptr<Ui::NetbgmForm> ui;
 };

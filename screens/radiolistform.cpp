@@ -100,16 +100,16 @@ constexpr InfoText infoTexts[] = {
 
 RadioListForm::RadioListForm(QWidget* parent)
     : QWidget(parent)
-    , m_ui(std::make_unique<Ui::RadioListForm>())
+    , ui(std::make_unique<Ui::RadioListForm>())
     , m_model(std::make_unique<QStandardItemModel>())
 {
-    m_ui->setupUi(this);
+    ui->setupUi(this);
     setWindowFlags(Qt::FramelessWindowHint);
-    m_ui->listView->setFont(panelFont(rowPointSize));
-    m_ui->listView->setGridSize(QSize(rowWidth, rowHeight));
-    m_ui->listView->setStyleSheet(QLatin1String(listStyle));
-    m_ui->listView->setPalette(listPalette(m_ui->listView->palette()));
-    m_ui->listView->setItemDelegate(new StationDelegate(m_ui->listView));
+    ui->listView->setFont(panelFont(rowPointSize));
+    ui->listView->setGridSize(QSize(rowWidth, rowHeight));
+    ui->listView->setStyleSheet(QLatin1String(listStyle));
+    ui->listView->setPalette(listPalette(ui->listView->palette()));
+    ui->listView->setItemDelegate(new StationDelegate(ui->listView));
 }
 
 RadioListForm::~RadioListForm() = default;
@@ -212,8 +212,8 @@ void RadioListForm::InitList()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
     m_model->clear();
-    m_ui->listView->setModel(m_model.get());
-    m_ui->listView->setRootIndex(m_model->index(0, 0));
+    ui->listView->setModel(m_model.get());
+    ui->listView->setRootIndex(m_model->index(0, 0));
     const QList<QMap<QString, QString>> stations = m_stations;
     for (const auto& station : stations)
         m_model->appendRow(new QStandardItem(station.value(QStringLiteral("title"))));
@@ -222,19 +222,19 @@ void RadioListForm::InitList()
 void RadioListForm::SetCurrentIndexFromXML()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_ui->listView->clearFocus();
+    ui->listView->clearFocus();
     const int row = m_station.channels + (m_station.category == 1 ? m_prefixCount : 0);
     moveTo(row);
 }
 
 int RadioListForm::currentRow() const
 {
-    return m_ui->listView->currentIndex().row();
+    return ui->listView->currentIndex().row();
 }
 
 void RadioListForm::moveTo(int row)
 {
-    m_ui->listView->setCurrentIndex(m_model->index(row, 0));
+    ui->listView->setCurrentIndex(m_model->index(row, 0));
 }
 
 void RadioListForm::up_action()
@@ -299,7 +299,7 @@ void RadioListForm::SetTickerEffect(QModelIndex current, QModelIndex previous)
         palette.setColor(QPalette::Base, Qt::white);
         palette.setColor(QPalette::Text, Qt::black);
         ticker->setPalette(palette);
-        m_ui->listView->setIndexWidget(current, ticker);
+        ui->listView->setIndexWidget(current, ticker);
     }
-    m_ui->listView->setIndexWidget(previous, nullptr);
+    ui->listView->setIndexWidget(previous, nullptr);
 }

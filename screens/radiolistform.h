@@ -69,7 +69,7 @@ private:
     int currentRow() const;
     void moveTo(int row);
 
-    std::unique_ptr<Ui::RadioListForm> m_ui;
+    std::unique_ptr<Ui::RadioListForm> ui;
     std::unique_ptr<QStandardItemModel> m_model;
     QList<QMap<QString, QString>> m_stations;
     qint8 m_prefixCount = 0;

@@ -85,15 +85,15 @@ QStringList columns(const QByteArray& route)
 
 SetupForm::SetupForm(QWidget* parent)
     : QWidget(parent)
-    , m_ui(std::make_unique<Ui::SetupForm>())
+    , ui(std::make_unique<Ui::SetupForm>())
     , m_routeWaitMs(routeWaitMs)
 {
-    m_ui->setupUi(this);
-    m_ui->lb_dhcp_yes->hide();
-    m_ui->lb_dhcp_no->hide();
+    ui->setupUi(this);
+    ui->lb_dhcp_yes->hide();
+    ui->lb_dhcp_no->hide();
     InitFont();
     InitXML(unitPath(UnitPath::Network));
-    m_ui->lb_version->setText(GetVersion());
+    ui->lb_version->setText(GetVersion());
     m_timer = new QTimer(this);
     connect(m_timer, &QTimer::timeout, this, &SetupForm::XMLParse);
 }
@@ -103,16 +103,16 @@ SetupForm::~SetupForm() = default;
 void SetupForm::InitFont()
 {
     for (const auto label : textLabels)
-        (m_ui.get()->*label)->setFont(panelFont(textPointSize));
+        (ui.get()->*label)->setFont(panelFont(textPointSize));
     QFont heading = panelFont(headingPointSize);
     heading.setWeight(QFont::Black);
-    m_ui->lb_Info->setFont(heading);
+    ui->lb_Info->setFont(heading);
 }
 
 void SetupForm::InitWidget()
 {
-    m_ui->lbl_background_alpha->hide();
-    m_ui->lbLoading->hide();
+    ui->lbl_background_alpha->hide();
+    ui->lbLoading->hide();
 }
 
 void SetupForm::ReloadPage()
@@ -150,7 +150,7 @@ void SetupForm::InitXML(QString path)
         return name == QLatin1String("dns2") && !text.isEmpty() ? Flat::Done : Flat::More;
     });
     for (const Announced& row : announced)
-        DPRINTF(2, "%s [ %s ]", row.name, (m_ui.get()->*row.label)->text().toUtf8().constData());
+        DPRINTF(2, "%s [ %s ]", row.name, (ui.get()->*row.label)->text().toUtf8().constData());
 }
 
 void SetupForm::NetInfoFromXML(QString path)
@@ -181,7 +181,7 @@ void SetupForm::takeElement(const QString& name, const QString& text)
         if (name != row.element)
             continue;
         m_network.*row.field = text;
-        (m_ui.get()->*row.label)->setText(text);
+        (ui.get()->*row.label)->setText(text);
     }
 }
 
@@ -195,8 +195,8 @@ void SetupForm::showLiveValues()
 void SetupForm::showLiveAddress()
 {
     const auto address = liveAddress();
-    m_ui->lb_IPAddr->setText(address ? address->ip().toString() : tr("not found IP"));
-    m_ui->lb_netmask->setText(address ? address->netmask().toString() : tr("not found NetMask"));
+    ui->lb_IPAddr->setText(address ? address->ip().toString() : tr("not found IP"));
+    ui->lb_netmask->setText(address ? address->netmask().toString() : tr("not found NetMask"));
 }
 
 void SetupForm::showLiveNameServers()
@@ -205,8 +205,8 @@ void SetupForm::showLiveNameServers()
     const QStringList servers = liveNameServers(error);
     if (!error.isEmpty())
         DPRINTF(4, "resolv Error [ %s ] ", error.toUtf8().constData());
-    m_ui->lb_dns1->setText(servers.value(0, tr("not found DNS1")));
-    m_ui->lb_dns2->setText(servers.value(1, tr("not found DNS2")));
+    ui->lb_dns1->setText(servers.value(0, tr("not found DNS1")));
+    ui->lb_dns2->setText(servers.value(1, tr("not found DNS2")));
 }
 
 void SetupForm::showLiveGateway()
@@ -217,7 +217,7 @@ void SetupForm::showLiveGateway()
         DPRINTF(4, "not found gateway , route -n");
     else if (pieces.size() <= gatewayColumn)
         DPRINTF(4, "not found gateway , size error");
-    m_ui->lb_gateway->setText(pieces.value(gatewayColumn, tr("not found gateway")));
+    ui->lb_gateway->setText(pieces.value(gatewayColumn, tr("not found gateway")));
 }
 
 QString SetupForm::GetVersion()
@@ -241,8 +241,8 @@ QString SetupForm::GetVersion()
 
 void SetupForm::showChoice(bool yes)
 {
-    m_ui->lb_dhcp_yes->setVisible(yes);
-    m_ui->lb_dhcp_no->setVisible(!yes);
+    ui->lb_dhcp_yes->setVisible(yes);
+    ui->lb_dhcp_no->setVisible(!yes);
 }
 
 void SetupForm::prev_action()
@@ -285,8 +285,8 @@ void SetupForm::closeChoice()
     m_editing = false;
     choiceImage()->hide();
     if (m_choice != m_savedChoice) {
-        m_ui->lbl_background_alpha->show();
-        m_ui->lbLoading->show();
+        ui->lbl_background_alpha->show();
+        ui->lbLoading->show();
         XMLwriteInfo();
         QTimer::singleShot(applyDelayMs, this, &SetupForm::ChangeDHCP);
     }
@@ -295,7 +295,7 @@ void SetupForm::closeChoice()
 
 QLabel* SetupForm::choiceImage() const
 {
-    return m_choice ? m_ui->lb_dhcp_yes : m_ui->lb_dhcp_no;
+    return m_choice ? ui->lb_dhcp_yes : ui->lb_dhcp_no;
 }
 
 void SetupForm::ChangeDHCP()
@@ -311,8 +311,8 @@ void SetupForm::esc_action()
         return;
     m_choice = m_savedChoice;
     m_editing = false;
-    m_ui->lb_dhcp_yes->hide();
-    m_ui->lb_dhcp_no->hide();
+    ui->lb_dhcp_yes->hide();
+    ui->lb_dhcp_no->hide();
     emit sgDhcpClose();
 }
 

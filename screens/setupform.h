@@ -77,7 +77,7 @@ private:
     void closeChoice();
     QLabel* choiceImage() const;
 
-    std::unique_ptr<Ui::SetupForm> m_ui;
+    std::unique_ptr<Ui::SetupForm> ui;
     bool m_editing = false;
     bool m_choice = false;
     bool m_savedChoice = false;
