@@ -3,7 +3,7 @@
 
 A drawing holds a word as a path with these attributes, and this script fills in its "d":
 
-    data-word    the text, capital letters
+    data-word    the text, capital letters; n is an N that stays open on a slide seen from the side
     data-at      "X Y": left edge and top edge of the ink, or the middle and the top edge
     data-anchor  "middle" when X is the middle of the word, otherwise absent
     data-cap     height of the ink of a capital, pixels
@@ -35,6 +35,7 @@ GLYPHS = {
     "L": (-1, "0,0 0,1 1,1"),
     "M": (2, "0,1 0,0 .5,.6 1,0 1,1"),
     "N": (0, "0,1 0,0 1,1 1,0"),
+    "n": (2, "0,1 0,0 1,1 1,0"),
     "O": (0, "0,0r 1,0r 1,1r 0,1r z"),
     "P": (0, "0,1 0,0 1,0r 1,.5r 0,.5"),
     "Q": (0, "0,0r 1,0r 1,1r 0,1r z | .6,.65 1,1.05"),

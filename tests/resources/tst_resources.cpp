@@ -3,6 +3,7 @@
 #include <QDirIterator>
 #include <QImage>
 #include <QProcess>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,7 +16,7 @@ int qCleanupResources_menuRc();
 
 namespace {
 
-enum Trait { Plain = 0, Opaque = 1, ClearEdge = 2 };
+enum Trait { Plain = 0, Opaque = 1, ClearEdge = 2, Tile = 4 };
 
 /** One image of the panel: where a screen finds it, its drawing below resources/art, its size in pixels. */
 struct PanelImage {
@@ -66,11 +67,11 @@ constexpr PanelImage kImages[] = {
     {":/Tessaro/font/title.png",                        "font/title",                        200,  20, ClearEdge},
     {":/Tessaro/font/URL.png",                          "font/URL",                          200,  20, ClearEdge},
     {":/Tessaro/font/SYSINFO.png",                      "font/SYSINFO",                      271,  25, ClearEdge},
-    {":/menuicon/image/usb_icon.png",                   "menu/usb_icon",                     100, 100, Opaque},
-    {":/menuicon/image/aoe_icon.png",                   "menu/aoe_icon",                     100, 100, Opaque},
-    {":/menuicon/image/IR_icon.png",                    "menu/IR_icon",                      100, 100, Opaque},
-    {":/menuicon/image/Net_BGM.png",                    "menu/Net_BGM",                      100, 100, Opaque},
-    {":/menuicon/image/setup_icon.png",                 "menu/setup_icon",                   100, 100, Opaque},
+    {":/menuicon/image/usb_icon.png",                   "menu/usb_icon",                     100, 100, Tile},
+    {":/menuicon/image/aoe_icon.png",                   "menu/aoe_icon",                     100, 100, Tile},
+    {":/menuicon/image/IR_icon.png",                    "menu/IR_icon",                      100, 100, Tile},
+    {":/menuicon/image/Net_BGM.png",                    "menu/Net_BGM",                      100, 100, Tile},
+    {":/menuicon/image/setup_icon.png",                 "menu/setup_icon",                   100, 100, Tile},
 };
 // clang-format on
 constexpr int kImageCount = sizeof(kImages) / sizeof(kImages[0]);
@@ -124,6 +125,16 @@ int differingPixels(const QImage& a, const QImage& b)
         for (int x = 0; x < a.width(); ++x)
             count += distance(a.pixel(x, y), b.pixel(x, y)) > 64 ? 1 : 0;
     return count;
+}
+
+/** The values of an attribute wherever a drawing has it. */
+QList<int> numbersOf(const QString& attribute, const QString& drawing)
+{
+    QList<int> numbers;
+    auto found = QRegularExpression(attribute + QStringLiteral("=\"(\\d+)\"")).globalMatch(drawing);
+    while (found.hasNext())
+        numbers << found.next().captured(1).toInt();
+    return numbers;
 }
 
 QByteArray standardOutput(const QString& program, const QStringList& arguments)
@@ -224,8 +235,8 @@ private slots:
         QCOMPARE(QProcess::execute(QStringLiteral("python3"), arguments), 0);
     }
 
-    void groundsAndSlidesAreOpaque_data() { imageRows(Opaque); }
-    void groundsAndSlidesAreOpaque()
+    void groundsAreOpaque_data() { imageRows(Opaque); }
+    void groundsAreOpaque()
     {
         QFETCH(int, row);
         const PanelImage& image = kImages[row];
@@ -233,6 +244,45 @@ private slots:
         for (int y = 0; y < pixels.height(); ++y)
             for (int x = 0; x < pixels.width(); ++x)
                 QCOMPARE(qAlpha(pixels.pixel(x, y)), 255);
+    }
+
+    void slidesAreOpaqueTilesWithClearCorners_data() { imageRows(Tile); }
+    void slidesAreOpaqueTilesWithClearCorners()
+    {
+        QFETCH(int, row);
+        const QImage pixels(latin(kImages[row].path));
+        constexpr int radius = 9;
+        const QRect wide = pixels.rect().adjusted(0, radius, 0, -radius);
+        const QRect high = pixels.rect().adjusted(radius, 0, -radius, 0);
+        constexpr int darkest = 0x12; // the foot of the tile
+        constexpr int rounding = 4;
+        for (int y = 0; y < pixels.height(); ++y)
+            for (int x = 0; x < pixels.width(); ++x) {
+                const QRgb pixel = pixels.pixel(x, y);
+                if (wide.contains(x, y) || high.contains(x, y))
+                    QCOMPARE(qAlpha(pixel), 255);
+                else if (qAlpha(pixel) > 64) // of less, the colour is rounded away
+                    QVERIFY(qRed(pixel) >= darkest - rounding);
+            }
+        for (const QPoint& corner : {pixels.rect().topLeft(), pixels.rect().topRight(),
+                                     pixels.rect().bottomLeft(), pixels.rect().bottomRight()})
+            QCOMPARE(qAlpha(pixels.pixel(corner)), 0);
+    }
+
+    void lettersOfTheSlidesStandTwoStrokesApart_data() { imageRows(Tile); }
+    void lettersOfTheSlidesStandTwoStrokesApart()
+    {
+        QFETCH(int, row);
+        QFile drawing(kArt + latin(kImages[row].drawing) + QStringLiteral(".svg"));
+        QVERIFY(drawing.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(drawing.readAll());
+        const QString words = text.mid(text.lastIndexOf(QLatin1String("<g ")));
+        const QList<int> pens = numbersOf(QStringLiteral("stroke-width"), words);
+        const QList<int> gaps = numbersOf(QStringLiteral("data-gap"), words);
+        QCOMPARE(int(pens.size()), 1);
+        QVERIFY(!gaps.isEmpty());
+        for (const int gap : gaps)
+            QVERIFY(gap >= 2 * pens.first());
     }
 
     void iconsAndCaptionsKeepOffTheEdge_data() { imageRows(ClearEdge); }
