@@ -8,6 +8,7 @@
 #include "tools/supervisor/script.h"
 
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QtTest>
 
 /** The window on a panel of the test's own. */
@@ -42,6 +43,17 @@ struct Stage {
         return arrived && heard == expected;
     }
     bool hears(const char* line) { return hears(QStringList{QString::fromLatin1(line)}); }
+
+    /** Asks for the mode and lets the time for the answer pass; false when one came. */
+    bool asksInVain()
+    {
+        WindowHand::fire(timer("ask"));
+        if (!timer("answer")->isActive())
+            return false;
+        WindowHand::fire(timer("answer"));
+        return true;
+    }
+    QString log() { return child<QPlainTextEdit>("log")->toPlainText(); }
 
     template <typename Widget> Widget* child(const char* name)
     {

@@ -3,7 +3,34 @@
 
 #include <QPlainTextEdit>
 
+#include <memory>
+
 using WindowHand::fire;
+
+/** Somebody else who connects to the panel, and leaves when the object ends. */
+struct OtherCaller {
+    explicit OtherCaller(FakePanel& panel)
+        : m_panel(panel)
+    {
+        const int before = panel.connections;
+        m_socket.connectToHost(QHostAddress(QHostAddress::LocalHost), panel.port());
+        if (!QTest::qWaitFor([&] { return panel.connections == before + 1; }))
+            qFatal("the panel does not accept");
+    }
+    ~OtherCaller()
+    {
+        const int before = m_panel.closed;
+        m_socket.disconnectFromHost();
+        if (!QTest::qWaitFor([&] { return m_panel.closed == before + 1; }))
+            qFatal("the panel does not see the end");
+    }
+    OtherCaller(const OtherCaller&) = delete;
+    OtherCaller& operator=(const OtherCaller&) = delete;
+
+private:
+    FakePanel& m_panel;
+    QTcpSocket m_socket;
+};
 
 class PanelLinkTest : public QObject {
     Q_OBJECT
@@ -89,22 +116,113 @@ private slots:
         QVERIFY(!link.findChild<QTimer*>(QStringLiteral("answer"))->isActive());
     }
 
-    void silentPanelIsFirstLateThenGivenUp()
+    void silentPanelIsLookedIntoThenGivenUp()
     {
         Stage stage;
         QVERIFY(stage.isUp());
         stage.panel.answering = false;
-        QTest::mouseClick(stage.child<KeyButton>("esc"), Qt::LeftButton);
-        QCOMPARE(stage.timer("answer")->interval(), 2000);
+        fire(stage.timer("ask"));
         fire(stage.timer("answer"));
-        QVERIFY(stage.text("link").startsWith(QLatin1String("Waiting for the panel at ")));
-        QCOMPARE(stage.timer("answer")->interval(), 33000);
+        QTRY_COMPARE(stage.panel.connections, 2); // nobody else is there: somebody may have come and gone
+        QTRY_VERIFY(stage.timer("answer")->isActive());
+        for (int waitedMs = 500; waitedMs < 35000; waitedMs += 500) {
+            fire(stage.timer("answer"));
+            QVERIFY(stage.text("link").startsWith(QLatin1String("Waiting for the panel at ")));
+        }
         fire(stage.timer("answer"));
         QVERIFY(stage.text("link").contains(QLatin1String("(the panel does not answer)")));
+        QCOMPARE(stage.panel.connections, 2);
         stage.panel.answering = true;
         fire(stage.timer("retry"));
         QVERIFY(stage.isUp());
+        QCOMPARE(stage.panel.connections, 3);
+    }
+
+    void callerThatCameAndWentIsFollowedAtOnce()
+    {
+        Stage stage;
+        QVERIFY(stage.isUp());
+        stage.openDemoMusic();
+        QVERIFY(stage.hears(Stage::diskLines()));
+        {
+            OtherCaller other(stage.panel);
+        }
+        QVERIFY(stage.asksInVain());
+        QTRY_COMPARE(stage.panel.connections, 3);
+        QVERIFY(stage.isUp());
+        QVERIFY(stage.hears(QStringList())); // the panel has been running: what it shows is left alone
+        QVERIFY(stage.log().contains(QLatin1String("# the link is back")));
+    }
+
+    void callerThatStaysKeepsTheLinkUntilItGoes()
+    {
+        Stage stage;
+        QVERIFY(stage.isUp());
+        auto other = std::make_unique<OtherCaller>(stage.panel);
+        QVERIFY(stage.asksInVain());
+        QVERIFY(stage.text("link").startsWith(QLatin1String("Another program has the link to 127.0.0.1:")));
+        QCOMPARE(stage.text("mode"), QString());
+        for (int i = 0; i < 100; ++i)
+            fire(stage.timer("answer"));
         QCOMPARE(stage.panel.connections, 2);
+        other.reset();
+        QTRY_COMPARE(stage.panel.connections, 3);
+        QVERIFY(stage.isUp());
+    }
+
+    void whatTheUserDoesTakesTheLinkBack()
+    {
+        Stage stage;
+        QVERIFY(stage.isUp());
+        const OtherCaller other(stage.panel);
+        QVERIFY(stage.asksInVain());
+        QTest::mouseClick(stage.child<KeyButton>("esc"), Qt::LeftButton);
+        QTest::mouseClick(stage.child<KeyButton>("mode"), Qt::LeftButton);
+        QVERIFY(stage.isUp());
+        QCOMPARE(stage.panel.connections, 3);
+        QVERIFY(stage.hears({QStringLiteral("key esc"), QStringLiteral("key mode")}));
+        fire(stage.timer("ask")); // who was there before is no rival
+        QVERIFY(stage.isUp());
+    }
+
+    void whatRunsByItselfDoesNot()
+    {
+        Stage stage;
+        QVERIFY(stage.isUp());
+        stage.openDemoMusic();
+        QTest::mouseClick(stage.child<KeyButton>("play-pause"), Qt::LeftButton);
+        QTRY_VERIFY(stage.panel.packets.contains(QByteArray::fromHex("020003 00 000000")));
+        const OtherCaller other(stage.panel);
+        QVERIFY(stage.asksInVain());
+        stage.panel.packets.clear();
+        for (int second = 0; second < 10; ++second) {
+            fire(stage.timer("tick"));
+            fire(stage.timer("answer"));
+        }
+        QCOMPARE(stage.panel.packets, QList<QByteArray>());
+        QCOMPARE(stage.panel.connections, 2);
+    }
+
+    void twoWindowsDoNotTakeItFromEachOther()
+    {
+        Stage stage;
+        QVERIFY(stage.isUp());
+        SupervisorWindow second(QStringLiteral("127.0.0.1"), stage.panel.port());
+        const auto* mode = WindowHand::child<QLabel>(second, "mode");
+        QTRY_COMPARE(mode->text(), QStringLiteral("Mode: usb"));
+        QVERIFY(stage.asksInVain());
+        for (int i = 0; i < 20; ++i) {
+            fire(stage.timer("answer"));
+            fire(WindowHand::child<QTimer>(second, "ask"));
+            QTRY_VERIFY(!WindowHand::child<QTimer>(second, "answer")->isActive());
+        }
+        QCOMPARE(stage.panel.connections, 2);
+    }
+
+    void watchOfAnotherMachineTellsNothing()
+    {
+        const QTcpSocket elsewhere; // no connection of this machine's panel
+        QCOMPARE(int(RivalWatch().look(elsewhere)), int(Rival::Unknown));
     }
 
     void panelThatDoesNotReadIsGivenUp()

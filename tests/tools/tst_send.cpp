@@ -74,6 +74,20 @@ private slots:
                                 "The remote host closed the connection\n"));
     }
 
+    void callerThatIsReplacedSaysSo()
+    {
+        FakePanel panel;
+        panel.answering = false;
+        QTcpSocket other;
+        connect(&panel, &FakePanel::received, &other,
+                [&] { other.connectToHost(QHostAddress(QHostAddress::LocalHost), panel.port()); });
+        const SupervisorRun run = send(panel, {QStringLiteral("request")});
+        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.err,
+                 QStringLiteral("vireo-supervisor: replaced: the panel serves another program that "
+                                "connected after this one\n"));
+    }
+
     void noLinkIsOneLine()
     {
         quint16 freePort = 0;

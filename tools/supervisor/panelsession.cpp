@@ -18,6 +18,7 @@ bool PanelSession::open(const QString& host, quint16 port)
     if (!m_socket.waitForConnected(connectTimeoutMs))
         return fail(QStringLiteral("no link to the panel at %1:%2").arg(host, QString::number(port)));
     m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1); // a packet leaves in one piece, at once
+    m_rivals.begin(m_socket);
     return true;
 }
 
@@ -35,18 +36,31 @@ std::optional<quint8> PanelSession::askMode()
 {
     if (!send(modeRequest()))
         return std::nullopt;
-    QElapsedTimer waited;
-    waited.start();
     QList<quint8> codes;
     while (m_owed > 0) {
-        if (!awaitBytes(answerTimeoutMs - int(waited.elapsed()))) {
-            fail(QStringLiteral("the panel did not answer"));
+        if (!awaitAnswer())
             return std::nullopt;
-        }
         codes = m_answers.take(m_socket.readAll());
         m_owed -= int(codes.size());
     }
     return codes.last();
+}
+
+/** Waits in short spells, to see between them whether another caller is served meanwhile. */
+bool PanelSession::awaitAnswer()
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!awaitBytes(answerLateMs)) {
+        if (m_socket.state() != QAbstractSocket::ConnectedState || waited.hasExpired(answerTimeoutMs))
+            return fail(QStringLiteral("the panel did not answer"));
+        if (m_rivals.look(m_socket) == Rival::Present) {
+            m_error =
+                QStringLiteral("replaced: the panel serves another program that connected after this one");
+            return false;
+        }
+    }
+    return true;
 }
 
 bool PanelSession::wait(int milliseconds)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/supervisor/modeanswers.h"
+#include "tools/supervisor/rivalwatch.h"
 
 #include <QTcpSocket>
 
@@ -14,6 +15,8 @@ class PanelSession {
 public:
     /** A network restart keeps the panel from answering for up to 30 s. */
     static constexpr int answerTimeoutMs = 35000;
+    /** An answer that is this late is looked into: another caller may have taken the link. */
+    static constexpr int answerLateMs = 500;
 
     bool open(const QString& host, quint16 port);
 
@@ -33,10 +36,12 @@ public:
 
 private:
     bool awaitBytes(int milliseconds);
+    bool awaitAnswer();
     bool fail(const QString& what);
 
     QTcpSocket m_socket;
     ModeAnswers m_answers;
+    RivalWatch m_rivals;
     int m_owed = 0; // answers still to come
     QString m_error;
 };

@@ -12,6 +12,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRandomGenerator>
+#include <QScopedValueRollback>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -140,6 +141,8 @@ void SupervisorWindow::connectLink()
     connect(&m_link, &PanelLink::disconnected, this, &SupervisorWindow::showDown);
     connect(&m_link, &PanelLink::modeReported, this, &SupervisorWindow::showMode);
     connect(&m_link, &PanelLink::answerLate, this, &SupervisorWindow::showLateAnswer);
+    connect(&m_link, &PanelLink::replaced, this, &SupervisorWindow::showReplaced);
+    connect(&m_link, &PanelLink::takenBack, this, &SupervisorWindow::showTakenBack);
     m_linkState->setText(tr("Connecting to %1").arg(m_link.address()));
     m_link.connectNow();
 }
@@ -156,7 +159,7 @@ void SupervisorWindow::connectPlayer()
 void SupervisorWindow::say(const QStringList& words)
 {
     const ParsedWords parsed = parseWords(words);
-    const bool sent = parsed.ok() && m_link.send(parsed.action.packet);
+    const bool sent = parsed.ok() && m_link.send(parsed.action.packet, m_by);
     if (isRunningValue(words))
         return;
     if (sent) {
@@ -235,8 +238,10 @@ void SupervisorWindow::runPlayer()
     }
 }
 
+/** What comes of time passing is nobody's act. */
 void SupervisorWindow::tick()
 {
+    const QScopedValueRollback<PanelLink::By> itself(m_by, PanelLink::By::Itself);
     m_player.advance(int(m_clock.restart()));
 }
 
@@ -261,6 +266,23 @@ void SupervisorWindow::showMode(quint8 code)
 void SupervisorWindow::showLateAnswer()
 {
     m_linkState->setText(tr("Waiting for the panel at %1").arg(m_link.address()));
+}
+
+void SupervisorWindow::showReplaced(bool surely)
+{
+    m_mode->clear();
+    const QString text = surely
+        ? tr("Another program has the link to %1; the next key takes it back")
+        : tr("No answer from %1, another program may have the link; the next key takes it back");
+    m_linkState->setText(text.arg(m_link.address()));
+    note(QStringLiteral("# ") + tr("replaced by another program"));
+}
+
+void SupervisorWindow::showTakenBack()
+{
+    showUp();
+    note(QStringLiteral("# ") + tr("the link is back"));
+    m_link.askMode();
 }
 
 void SupervisorWindow::note(const QString& text)

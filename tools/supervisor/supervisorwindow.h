@@ -48,9 +48,12 @@ private:
     void showDown(const QString& reason, int pauseMs);
     void showMode(quint8 code);
     void showLateAnswer();
+    void showReplaced(bool surely);
+    void showTakenBack();
     void note(const QString& text);
 
     PanelLink m_link;
+    PanelLink::By m_by = PanelLink::By::User; // whose words are said now
     PlayerModel m_player;
     QTimer m_tick;
     QElapsedTimer m_clock; // since the last tick
