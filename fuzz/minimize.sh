@@ -12,10 +12,10 @@ build_targets
 for target in "${targets[@]}"; do
     echo "== $target"
     fewest=$TMPDIR/$target
-    mkdir -p "$fewest" build/fuzz/{corpus,findings}/"$target" fuzz/corpus/"$target"
+    mkdir -p "$fewest" build/fuzz/{corpus,findings}/"$target"
+    unpack_known "$target"
     run_target "$target" -merge=1 -detect_leaks=0 \
-        "$fewest" {fuzz/corpus,build/fuzz/corpus,build/fuzz/seeds}/"$target"
-    rm -r fuzz/corpus/"$target"
-    cp -r "$fewest" fuzz/corpus/"$target"
+        "$fewest" build/fuzz/{known,corpus,seeds}/"$target"
+    pack_known "$fewest" "$target"
 done
-du -sh --apparent-size fuzz/corpus
+du -h --apparent-size fuzz/corpus/*

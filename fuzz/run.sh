@@ -15,12 +15,13 @@ shift || true
 
 build_targets
 for target in "${targets[@]}"; do
-    mkdir -p build/fuzz/{corpus,findings}/"$target" fuzz/corpus/"$target"
+    mkdir -p build/fuzz/{corpus,findings}/"$target"
+    unpack_known "$target"
     echo "== $target: known inputs"
-    run_target "$target" -runs=0 {fuzz/corpus,build/fuzz/seeds}/"$target"
+    run_target "$target" -runs=0 build/fuzz/{known,seeds}/"$target"
     [ "$seconds" -gt 0 ] || continue
     echo "== $target: $seconds s"
     # Looking for leaks behind each input takes most of the time; here it is done once, at the end.
     run_target "$target" -max_total_time="$seconds" -dict=fuzz/"$target".dict -detect_leaks=0 -reload=0 \
-        {build/fuzz/corpus,fuzz/corpus,build/fuzz/seeds}/"$target"
+        build/fuzz/{corpus,known,seeds}/"$target"
 done

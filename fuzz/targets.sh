@@ -1,4 +1,5 @@
 # What run.sh and minimize.sh share; they source this file in the root of the repository.
+# The known inputs of a target are one archive, fuzz/corpus/TARGET.tar.gz.
 
 targets=(receive id3 flac ogg config ticker)
 
@@ -21,6 +22,20 @@ build_targets() {
     export LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0
     export UBSAN_OPTIONS=print_stacktrace=1
     build/fuzz/bin/fuzz-seeds build/fuzz/seeds
+}
+
+# unpack_known TARGET: the known inputs of the target and nothing else are then in build/fuzz/known/TARGET.
+unpack_known() {
+    rm -rf build/fuzz/known/"$1"
+    mkdir -p build/fuzz/known/"$1"
+    tar -xzf fuzz/corpus/"$1".tar.gz -C build/fuzz/known/"$1"
+}
+
+# pack_known FOLDER TARGET: makes the files of a folder the known inputs of the target. The same files always
+# give the same archive.
+pack_known() {
+    tar --sort=name --mtime=@0 --owner=0 --group=0 --numeric-owner --mode=u=rw,go=r -C "$1" \
+        -cf - --files-from=<(cd "$1" && find . -type f -printf '%P\n') | gzip -9n > fuzz/corpus/"$2".tar.gz
 }
 
 # run_target TARGET ARGUMENT...: shows how it goes on; ends the script at a finding.
