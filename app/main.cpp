@@ -1,6 +1,7 @@
 #include "app/displayguard.h"
 #include "app/dprintf.h"
 #include "app/qtcompat.h"
+#include "app/version.h"
 #include "app/watchdog.h"
 #include "mainwindow/mainwindow.h"
 
@@ -32,7 +33,7 @@ void printBanner()
 {
     qDebug().nospace() << "**********************************\n"
                        << " "
-                       << "vireo 1.0.1.6.1 Ticker updated\n"
+                       << "vireo " << vireoVersion << " Ticker updated\n"
                        << " "
                        << "**********************************"
                        << " ";

@@ -1,3 +1,4 @@
+#include "app/version.h"
 #include "tests/journeys/panelprocess.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/unitroot.h"
@@ -80,7 +81,8 @@ private slots:
         const QStringList lines = panel.lines();
         const int banner = int(lines.indexOf(stars));
         QVERIFY(banner >= 0);
-        QCOMPARE(lines.value(banner + 1), QStringLiteral(" vireo 1.0.1.6.1 Ticker updated"));
+        QCOMPARE(lines.value(banner + 1),
+                 QStringLiteral(" vireo %1 Ticker updated").arg(QLatin1String(vireoVersion)));
         QCOMPARE(lines.value(banner + 2), QLatin1Char(' ') + stars + QLatin1Char(' '));
         QCOMPARE(lines.mid(banner + 3, announced), all.mid(0, announced));
         QCOMPARE(lines.filter(QStringLiteral("Will be print")).size(), announced);
