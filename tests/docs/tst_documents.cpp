@@ -127,19 +127,6 @@ private slots:
         }
         QVERIFY(checked > 10);
     }
-
-    void pagesStandOnTheirOwn_data() { addPages(); }
-    void pagesStandOnTheirOwn()
-    {
-        QFETCH(QString, page);
-        if (page == QLatin1String("DEVELOPERS.md"))
-            return;
-        static const QRegularExpression elsewhere(
-            QStringLiteral("\\bspecs?\\b|\\bspecifi(?:ed|cation)s?\\b|\\bPart \\d"),
-            QRegularExpression::CaseInsensitiveOption);
-        const QRegularExpressionMatch match = elsewhere.match(Document(page).text());
-        QVERIFY2(!match.hasMatch(), qPrintable(match.captured()));
-    }
 };
 
 VIREO_TEST_MAIN(DocumentsTest)
