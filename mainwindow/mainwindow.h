@@ -54,8 +54,10 @@ constexpr std::size_t modeStates = std::size_t(ModeState::MenuMode) + 1;
  * and is the only place that wires them. Everything happens synchronously while the bytes of the supervisor
  * are read.
  *
- * Construction and permanent wiring are in mainwindow.cpp, the receive queue and the mode report in
- * mainwindow_receive.cpp, the mode machine in mainwindow_modes.cpp.
+ * Construction and permanent wiring are in mainwindow.cpp, the mode machine in mainwindow_machine.cpp, what
+ * entering and leaving a mode does in mainwindow_modes.cpp; each other duty has a file of its own:
+ * mainwindow_receive.cpp the receive queue, mainwindow_report.cpp the mode report and the operating-mode
+ * file, mainwindow_network.cpp the network restart, mainwindow_upgrade.cpp the upgrade notice.
  */
 class MainWindow : public QMainWindow {
     Q_OBJECT

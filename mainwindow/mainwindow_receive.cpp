@@ -1,6 +1,5 @@
 #include "app/dprintf.h"
 #include "link/packet.h"
-#include "link/tcp_server.h"
 #include "mainwindow/mainwindow.h"
 #include "protocol/paparser.h"
 
@@ -70,11 +69,4 @@ int MainWindow::checkupPacket()
         return 0;
     }
     return header.length + PacketHeader::bytes;
-}
-
-void MainWindow::ResponseCurrentMode()
-{
-    DPRINTF(0, "%s", Q_FUNC_INFO);
-    const QByteArray payload(1, char(m_mode));
-    m_server->WritePkt(m_server->makePktData(quint16(Command::Request), 1, payload));
 }
