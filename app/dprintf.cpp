@@ -1,5 +1,7 @@
 #include "app/dprintf.h"
 
+#include "app/limits.h"
+
 #include <QtDebug>
 
 #include <cstdarg>
@@ -27,7 +29,6 @@ static_assert(std::size(lvlString) == 6, "one row a level");
 
 constexpr char colourReset[] = "\x1B[0m";
 constexpr char programTag[] = "vireo";
-constexpr std::size_t lineBytes = 8192;
 
 /** Writes the prefix of levels 2 to 4 and returns its length; the other levels have none. */
 std::size_t writePrefix(int level, char* line)
@@ -35,8 +36,8 @@ std::size_t writePrefix(int level, char* line)
     if (level < 2 || level > 4)
         return 0;
     const LevelStyle& style = lvlString[level];
-    return std::size_t(
-        std::snprintf(line, lineBytes, "[ %s%s@%s%s ] ", style.colour, style.tag, programTag, colourReset));
+    return std::size_t(std::snprintf(line, limits::logLineBytes, "[ %s%s@%s%s ] ", style.colour, style.tag,
+                                     programTag, colourReset));
 }
 
 } // namespace
@@ -45,11 +46,11 @@ void debugPrint(int level, const char* format, ...)
 {
     if (level < debugLevel)
         return;
-    char line[lineBytes];
+    char line[limits::logLineBytes];
     const std::size_t prefix = writePrefix(level, line);
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(line + prefix, lineBytes - prefix, format, arguments);
+    std::vsnprintf(line + prefix, limits::logLineBytes - prefix, format, arguments);
     va_end(arguments);
     qDebug("%s", line);
 }

@@ -1,6 +1,7 @@
 #include "config/configfile.h"
 
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "app/openfile.h"
 #include "app/qtcompat.h"
 
@@ -11,15 +12,9 @@
 
 namespace {
 
-/** Twenty thousand stations fit in here; the reader holds up to three times as much while it works. */
-constexpr qint64 maxConfigBytes = 4LL * 1024 * 1024;
-
-/** The encoding declaration stands in the first line of a file. */
-constexpr int declarationBytes = 256;
-
 QByteArray declaredEncoding(const QByteArray& bytes)
 {
-    QXmlStreamReader declaration(QString::fromLatin1(bytes.left(declarationBytes)));
+    QXmlStreamReader declaration(QString::fromLatin1(bytes.left(limits::declarationBytes)));
     declaration.readNext();
     return declaration.documentEncoding().toString().toLatin1();
 }
@@ -86,9 +81,9 @@ ConfigReader::ConfigReader(const QString& path)
     m_error = openToRead(file, QIODevice::ReadOnly | QIODevice::Text);
     if (!isOpen())
         return;
-    const QByteArray bytes = file.read(maxConfigBytes);
+    const QByteArray bytes = file.read(limits::configFileBytes);
     if (!file.atEnd())
-        DPRINTF(4, "Config read [%s] is cut at %lld bytes", path.toUtf8().constData(), maxConfigBytes);
+        DPRINTF(4, "Config read [%s] is cut at %d bytes", path.toUtf8().constData(), limits::configFileBytes);
     if (QTextCodec* codec = foreignCodec(bytes))
         m_xml.addData(codec->toUnicode(bytes));
     else

@@ -1,5 +1,6 @@
 #include "config/livenetwork.h"
 
+#include "app/limits.h"
 #include "app/openfile.h"
 #include "app/utf8.h"
 #include "config/unitpaths.h"
@@ -10,9 +11,6 @@
 #include <QProcess>
 
 namespace {
-
-/** Far longer than two lines of resolv.conf or one of a routing table can be. */
-constexpr int maxTextBytes = 64 * 1024;
 
 constexpr int nameServerLines = 2;
 
@@ -26,7 +24,7 @@ public:
         const auto start = output.chopped(1).lastIndexOf('\n') + 1;
         if (start > 0 || m_complete)
             m_text.clear();
-        m_text += output.mid(start).left(maxTextBytes - m_text.size());
+        m_text += output.mid(start).left(limits::systemTextBytes - m_text.size());
         m_complete = output.endsWith('\n');
     }
     QByteArray text() const { return m_text; }
@@ -52,7 +50,8 @@ QStringList liveNameServers(QString& error)
     QFile file(unitPath(UnitPath::ResolvConf));
     error = openToRead(file, QIODevice::ReadOnly);
     QStringList servers;
-    const QList<QByteArray> lines = file.isOpen() ? file.read(maxTextBytes).split('\n') : QList<QByteArray>();
+    const QList<QByteArray> lines =
+        file.isOpen() ? file.read(limits::systemTextBytes).split('\n') : QList<QByteArray>();
     for (const QByteArray& bytes : lines.mid(0, nameServerLines)) {
         QString line = utf8UntilZero(bytes).simplified();
         const auto found = line.indexOf(keyword);

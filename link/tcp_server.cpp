@@ -1,6 +1,7 @@
 #include "link/tcp_server.h"
 
 #include "app/dprintf.h"
+#include "app/limits.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -95,7 +96,7 @@ void tcp_server::send_message(QString recvdata)
 
 void tcp_server::write(const QByteArray& packet)
 {
-    const bool drop = m_client->bytesToWrite() > maxUnsentBytes;
+    const bool drop = m_client->bytesToWrite() > limits::unsentBytes;
     if (drop && !m_dropping)
         DPRINTF(4, "The peer does not read: packets to it are dropped");
     m_dropping = drop;
@@ -108,20 +109,19 @@ void tcp_server::write(const QByteArray& packet)
 
 int tcp_server::maxReplaced()
 {
-    constexpr rlim_t most = 512;
     rlimit descriptors = {};
     getrlimit(RLIMIT_NOFILE, &descriptors);
-    return int(std::min(most, descriptors.rlim_cur / 4));
+    return int(std::min(rlim_t(limits::replacedConnections), descriptors.rlim_cur / 4));
 }
 
 void tcp_server::retire(QTcpSocket* socket)
 {
     releaseGoneReplaced();
-    if (peerIsGone(*socket) || socket->bytesToWrite() > replacedBufferBytes) {
+    if (peerIsGone(*socket) || socket->bytesToWrite() > limits::replacedBufferBytes) {
         socket->deleteLater();
         return;
     }
-    socket->setReadBufferSize(replacedBufferBytes);
+    socket->setReadBufferSize(limits::replacedBufferBytes);
     m_replaced.append(socket);
     connect(socket, &QTcpSocket::disconnected, this, &tcp_server::releaseGoneReplaced);
     if (m_replaced.size() > maxReplaced())

@@ -23,11 +23,6 @@ class tcp_server : public QWidget {
 
 public:
     static constexpr quint16 port = linkPort;
-    /** Bytes that wait unread on a replaced connection before its peer is held up, and unsent before it is
-     * dropped. */
-    static constexpr qint64 replacedBufferBytes = 16LL * 1024;
-    /** Bytes that wait for a peer that does not read; further packets to it are dropped. */
-    static constexpr qint64 maxUnsentBytes = 1024LL * 1024;
 
     /** Replaced connections kept open: a quarter of the process's descriptors. Beyond it the oldest is
      * dropped. */

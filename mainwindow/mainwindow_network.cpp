@@ -1,4 +1,5 @@
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "config/unitpaths.h"
 #include "mainwindow/mainwindow.h"
 #include "ui_mainwindow.h"
@@ -7,13 +8,6 @@
 
 /** What the setup screen asks of the window: the network's restart, and a code of its own for the DHCP
  * choice. */
-
-namespace {
-
-/** The longest that the panel waits for the network to restart, milliseconds. */
-constexpr int networkRestartMs = 30000;
-
-} // namespace
 
 void MainWindow::LoadingModeEntered()
 {
@@ -28,7 +22,7 @@ void MainWindow::LoadingModeEntered()
     restart->setStandardOutputFile(QProcess::nullDevice());
     restart->setStandardErrorFile(QProcess::nullDevice());
     restart->start(unitPath(UnitPath::NetworkRestart), {QStringLiteral("restart")}, QIODevice::ReadWrite);
-    if (!restart->waitForFinished(networkRestartMs))
+    if (!restart->waitForFinished(limits::networkRestartMs))
         restart->kill();
     LoadingModeExited();
 }

@@ -1,6 +1,7 @@
 #include "screens/aoeform.h"
 
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "app/openfile.h"
 #include "app/utf8.h"
 #include "config/configfile.h"
@@ -15,9 +16,6 @@
 namespace {
 
 constexpr int textPoints = 12;
-
-/** The label has room for some thirty characters; a file without a line break is not read to its end. */
-constexpr qint64 longestSampleRate = 4096;
 
 } // namespace
 
@@ -117,7 +115,7 @@ bool AOEForm::readSampleRate()
         ui->lb_aoe_sample_rate->setText(tr("Read SR to failed"));
         return false;
     }
-    m_sampleRate = utf8UntilZero(file.readLine(longestSampleRate));
+    m_sampleRate = utf8UntilZero(file.readLine(limits::sampleRateBytes));
     return true;
 }
 

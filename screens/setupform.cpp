@@ -1,6 +1,7 @@
 #include "screens/setupform.h"
 
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "config/configfile.h"
 #include "config/livenetwork.h"
 #include "config/unitpaths.h"
@@ -16,7 +17,6 @@ namespace {
 
 constexpr int reloadMs = 3000;
 constexpr int applyDelayMs = 100;
-constexpr int routeWaitMs = 30000;
 constexpr int textPointSize = 12;
 constexpr int headingPointSize = 16;
 constexpr int gatewayColumn = 1;
@@ -86,7 +86,7 @@ QStringList columns(const QByteArray& route)
 SetupForm::SetupForm(QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::SetupForm>())
-    , m_routeWaitMs(routeWaitMs)
+    , m_routeWaitMs(limits::routeMs)
 {
     ui->setupUi(this);
     ui->lb_dhcp_yes->hide();

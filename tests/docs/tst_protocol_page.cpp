@@ -1,3 +1,4 @@
+#include "app/limits.h"
 #include "link/packet.h"
 #include "link/tcp_server.h"
 #include "tests/docs/document.h"
@@ -182,12 +183,12 @@ class ProtocolPageTest : public QObject {
 private slots:
     void initTestCase() { debugLevel = 5; }
 
-    void limits()
+    void connectionLimits()
     {
         const QMap<QString, qint64> values = {
             {QStringLiteral("port"), tcp_server::port},
-            {QStringLiteral("replacedBufferBytes"), tcp_server::replacedBufferBytes},
-            {QStringLiteral("maxUnsentBytes"), tcp_server::maxUnsentBytes},
+            {QStringLiteral("replacedBufferBytes"), limits::replacedBufferBytes},
+            {QStringLiteral("unsentBytes"), limits::unsentBytes},
         };
         QMap<QString, qint64> written;
         for (const TableRow& row : page().table(QStringLiteral("Connection")))

@@ -1,3 +1,4 @@
+#include "app/limits.h"
 #include "link/tcp_server.h"
 #include "tests/support/logcatcher.h"
 #include "tests/support/panelmain.h"
@@ -224,7 +225,7 @@ private slots:
         for (int i = 0; i < 200; ++i)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
         for (const QTcpSocket* socket : server.findChildren<QTcpSocket*>())
-            QVERIFY(socket->bytesAvailable() <= 2 * tcp_server::replacedBufferBytes);
+            QVERIFY(socket->bytesAvailable() <= 2 * limits::replacedBufferBytes);
         server.WritePkt("x");
         QCOMPARE(received(*second, 1), QByteArray("x"));
     }
@@ -237,7 +238,7 @@ private slots:
         auto first = newPeer(server);
         auto second = newPeer(server);
         QVERIFY(first && second);
-        first->write(QByteArray(4 * tcp_server::replacedBufferBytes, 'x'));
+        first->write(QByteArray(4 * limits::replacedBufferBytes, 'x'));
         QVERIFY(first->waitForBytesWritten());
         first.reset();
         second.reset();
@@ -259,7 +260,7 @@ private slots:
         QCOMPARE(log.plain(),
                  QStringList(QStringLiteral("E The peer does not read: packets to it are dropped")));
         for (const QTcpSocket* socket : server.findChildren<QTcpSocket*>())
-            QVERIFY(socket->bytesToWrite() <= tcp_server::maxUnsentBytes + 4096);
+            QVERIFY(socket->bytesToWrite() <= limits::unsentBytes + 4096);
         // Replaced, it is not kept with what it never took.
         const auto second = newPeer(server);
         QVERIFY(second);
