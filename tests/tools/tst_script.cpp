@@ -3,6 +3,7 @@
 #include "tests/support/unitroot.h"
 #include "tests/tools/fakepanel.h"
 #include "tests/tools/supervisorrun.h"
+#include "tools/supervisor/commandline.h"
 #include "tools/supervisor/script.h"
 
 #include <QElapsedTimer>
@@ -100,7 +101,8 @@ private slots:
         QTRY_COMPARE(panel.closed, 1);
         QCOMPARE(panel.connections, 1);
         QCOMPARE(panel.bytes.toHex(),
-                 QByteArray("0700010001") + "0400010009" + "10000900" + QByteArray("Two words").toHex());
+                 QByteArray("0700010001") + "0400010009" + "10000900" + QByteArray("Two words").toHex()
+                     + "0d00010008"); // the question at the end
     }
 
     void metExpectations()
@@ -112,7 +114,7 @@ private slots:
         QCOMPARE(run.err, QString());
         QCOMPARE(run.out, QStringLiteral("menu\n"));
         QCOMPARE(run.exitCode, 0);
-        QCOMPARE(panel.requests, 3);
+        QCOMPARE(panel.requests, 3 + 1); // and one at the end
     }
 
     void unmetExpectationsNameTheirLine()
@@ -120,7 +122,7 @@ private slots:
         FakePanel panel;
         panel.modes = {255, 1, 42};
         const SupervisorRun run = runText(panel, "\nexpect usb\nexpect usb\nexpect menu\nlevel 1\n");
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.exitCode, int(ExitStatus::Unmet));
         QCOMPARE(run.err,
                  QStringLiteral(
                      "vireo-supervisor: standard input:2: expected usb, the panel is in none\n"
@@ -151,11 +153,26 @@ private slots:
         FakePanel panel;
         connect(&panel, &FakePanel::received, &panel, &FakePanel::hangUp);
         const SupervisorRun run = runText(panel, "level 1\nwait 60000\nlevel 2\n");
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.exitCode, int(ExitStatus::NoAnswer));
         QCOMPARE(run.err,
                  QStringLiteral("vireo-supervisor: standard input:2: the panel has gone: "
                                 "The remote host closed the connection\n"));
         QCOMPARE(panel.bytes.toHex(), QByteArray("0400010001"));
+    }
+
+    void linkTakenByAnotherShowsAtTheEnd()
+    {
+        FakePanel panel;
+        panel.answering = false;
+        const SupervisorRun run =
+            runSupervisor({QStringLiteral("--timeout=1"), QStringLiteral("--port"), panel.portText(),
+                           QStringLiteral("script"), QStringLiteral("-")},
+                          "level 1\n");
+        QCOMPARE(run.exitCode, int(ExitStatus::NoAnswer));
+        QVERIFY2(run.err.startsWith(QLatin1String(
+                     "vireo-supervisor: standard input: at the end the panel did not answer: ")),
+                 qPrintable(run.err));
+        QCOMPARE(run.err.count(QLatin1Char('\n')), 1);
     }
 
     void mistakesSendNothing_data()
@@ -197,8 +214,21 @@ private slots:
         FakePanel panel;
         const SupervisorRun run = runFile(panel, dir.filePath(QStringLiteral("scripts/play.txt")));
         QCOMPARE(run.err, QString());
-        QTRY_COMPARE(panel.packets.size(), 1);
+        QTRY_COMPARE(panel.packetsButRequests().size(), 1);
         QCOMPARE(panel.packets[0].mid(4), dir.filePath(QStringLiteral("music/a b.mp3")).toUtf8());
+    }
+
+    void scriptsNameMayBeNoUtf8()
+    {
+        QTemporaryDir dir;
+        FakePanel panel;
+        const SupervisorRun run = runSupervisorInShell(
+            dir.path(),
+            QStringLiteral("name=$(printf 'caf\\351.txt') && echo level 1 > \"$name\" && "
+                           "\"$0\" --port $1 script \"$name\""),
+            panel.portText());
+        QCOMPARE(run.err, QString());
+        QTRY_COMPARE(panel.packetsButRequests().size(), 1);
     }
 
     void unreadableScripts()
@@ -227,7 +257,7 @@ private slots:
         const SupervisorRun run = runSupervisor(
             {QStringLiteral("--port"), QStringLiteral("1"), QStringLiteral("script"), QStringLiteral("-")},
             "level 1\n");
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.exitCode, int(ExitStatus::NoPanel));
         QCOMPARE(
             run.err,
             QStringLiteral("vireo-supervisor: no link to the panel at 127.0.0.1:1: Connection refused\n"));

@@ -1,6 +1,8 @@
+#include "app/version.h"
 #include "tests/support/panelmain.h"
 #include "tests/tools/fakepanel.h"
 #include "tests/tools/supervisorrun.h"
+#include "tools/supervisor/commandline.h"
 
 class SendTest : public QObject {
     Q_OBJECT
@@ -67,7 +69,7 @@ private slots:
         panel.answering = false;
         connect(&panel, &FakePanel::received, &panel, &FakePanel::hangUp);
         const SupervisorRun run = send(panel, {QStringLiteral("request")});
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.exitCode, int(ExitStatus::NoAnswer));
         QCOMPARE(run.out, QString());
         QCOMPARE(run.err,
                  QStringLiteral("vireo-supervisor: the panel did not answer: "
@@ -82,10 +84,23 @@ private slots:
         connect(&panel, &FakePanel::received, &other,
                 [&] { other.connectToHost(QHostAddress(QHostAddress::LocalHost), panel.port()); });
         const SupervisorRun run = send(panel, {QStringLiteral("request")});
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.exitCode, int(ExitStatus::NoAnswer));
         QCOMPARE(run.err,
                  QStringLiteral("vireo-supervisor: replaced: the panel serves another program that "
                                 "connected after this one\n"));
+    }
+
+    void panelThatDoesNotAnswerInTime()
+    {
+        FakePanel panel;
+        panel.answering = false;
+        const SupervisorRun run =
+            runSupervisor({QStringLiteral("--timeout"), QStringLiteral("1"), QStringLiteral("--port"),
+                           panel.portText(), QStringLiteral("send"), QStringLiteral("request")});
+        QCOMPARE(run.exitCode, int(ExitStatus::NoAnswer));
+        QVERIFY2(run.err.endsWith(QLatin1String("; another supervisor may have taken the link\n")),
+                 qPrintable(run.err));
+        QCOMPARE(run.err.count(QLatin1Char('\n')), 1);
     }
 
     void noLinkIsOneLine()
@@ -98,7 +113,7 @@ private slots:
         const SupervisorRun run =
             runSupervisor({QStringLiteral("--port"), QString::number(freePort), QStringLiteral("send"),
                            QStringLiteral("key"), QStringLiteral("esc")});
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.exitCode, int(ExitStatus::NoPanel));
         QCOMPARE(run.err,
                  QStringLiteral("vireo-supervisor: no link to the panel at 127.0.0.1:%1: "
                                 "Connection refused\n")
@@ -131,11 +146,12 @@ private slots:
         row("send wait 5", "unknown word \"wait\"; --help lists them");
         row("send a\nb", "unknown word \"a?b\"; --help lists them");
         row("receive", "unknown argument \"receive\"; expected send or script");
-        row("--colour send key esc", "unknown option \"--colour\"; --help lists them");
+        row("--colour send key esc", "Unknown option 'colour'. --help lists all options.");
         row("--port 0 send key esc", "--port: \"0\" is not a number from 1 to 65535");
         row("--port 65536 send key esc", "--port: \"65536\" is not a number from 1 to 65535");
-        row("--port", "--port: \"\" is not a number from 1 to 65535");
-        row("--host", "--host needs a name or an address");
+        row("--port", "Missing value after '--port'. --help lists all options.");
+        row("--host=", "--host needs a name or an address");
+        row("--timeout 0", "--timeout: \"0\" is not a number from 1 to 600000");
         row("--at 3", "--at: \"3\" is not two numbers as 340,0");
         row("--at 3,4,5", "--at: \"3,4,5\" is not two numbers as 340,0");
         row("--at x,4", "--at: \"x,4\" is not two numbers as 340,0");
@@ -152,10 +168,18 @@ private slots:
         if (arguments[0] == QLatin1String("send"))
             arguments = QStringList{QStringLiteral("--port"), panel.portText()} + arguments;
         const SupervisorRun run = runSupervisor(arguments);
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.exitCode, int(ExitStatus::Usage));
         QCOMPARE(run.out, QString());
         QCOMPARE(run.err, QStringLiteral("vireo-supervisor: ") + line + QLatin1Char('\n'));
         QCOMPARE(panel.connections, 0);
+    }
+
+    void versionGoesToStandardOutput()
+    {
+        const SupervisorRun run = runSupervisor({QStringLiteral("--version")});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.err, QString());
+        QCOMPARE(run.out, QStringLiteral("vireo-supervisor %1\n").arg(QLatin1String(vireoVersion)));
     }
 
     void helpGoesToStandardOutput()

@@ -1,4 +1,5 @@
 #include "app/displayguard.h"
+#include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/commandline.h"
 #include "tools/supervisor/display.h"
 #include "tools/supervisor/script.h"
@@ -10,11 +11,11 @@
 
 namespace {
 
-QStringList utf8Arguments(int argc, char** argv)
+QStringList textArguments(int argc, char** argv)
 {
     QStringList result;
     for (int i = 1; i < argc; ++i)
-        result << QString::fromUtf8(argv[i]);
+        result << textOf(argv[i]);
     return result;
 }
 
@@ -40,7 +41,7 @@ int runWindow(int& argc, char** argv, const CommandLine& commandLine)
 
 int main(int argc, char** argv)
 {
-    const CommandLine commandLine = CommandLine::parse(utf8Arguments(argc, argv));
+    const CommandLine commandLine = CommandLine::parse(textArguments(argc, argv));
     if (!commandLine.error.isEmpty())
         return failure(commandLine.error);
     if (commandLine.run == CommandLine::Run::Window)
@@ -50,6 +51,7 @@ int main(int argc, char** argv)
         return runSend(commandLine);
     if (commandLine.run == CommandLine::Run::Script)
         return runScript(commandLine);
-    std::fputs(helpText().toUtf8().constData(), stdout);
-    return 0;
+    const bool version = commandLine.run == CommandLine::Run::Version;
+    std::fputs(qUtf8Printable(version ? versionText() + QLatin1Char('\n') : helpText()), stdout);
+    return int(ExitStatus::Done);
 }

@@ -51,8 +51,8 @@ bool PanelSession::awaitAnswer()
 {
     QElapsedTimer waited;
     waited.start();
-    while (!awaitBytes(answerLateMs)) {
-        if (m_socket.state() != QAbstractSocket::ConnectedState || waited.hasExpired(answerTimeoutMs))
+    while (!awaitBytes(qMin(answerLateMs, m_timeoutMs - int(waited.elapsed())))) {
+        if (m_socket.state() != QAbstractSocket::ConnectedState || waited.hasExpired(m_timeoutMs))
             return fail(QStringLiteral("the panel did not answer"));
         if (m_rivals.look(m_socket) == Rival::Present) {
             m_error =
@@ -92,5 +92,7 @@ void PanelSession::close()
 bool PanelSession::fail(const QString& what)
 {
     m_error = what + QStringLiteral(": ") + m_socket.errorString();
+    if (m_socket.state() == QAbstractSocket::ConnectedState)
+        m_error += QStringLiteral("; another supervisor may have taken the link");
     return false;
 }

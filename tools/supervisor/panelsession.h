@@ -18,6 +18,11 @@ public:
     /** An answer that is this late is looked into: another caller may have taken the link. */
     static constexpr int answerLateMs = 500;
 
+    explicit PanelSession(int timeoutMs = answerTimeoutMs)
+        : m_timeoutMs(timeoutMs)
+    {
+    }
+
     bool open(const QString& host, quint16 port);
 
     /** Returns when all bytes have left. */
@@ -39,6 +44,7 @@ private:
     bool awaitAnswer();
     bool fail(const QString& what);
 
+    int m_timeoutMs;
     QTcpSocket m_socket;
     ModeAnswers m_answers;
     RivalWatch m_rivals;

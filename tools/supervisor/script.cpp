@@ -1,5 +1,6 @@
 #include "tools/supervisor/script.h"
 
+#include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/commandline.h"
 #include "tools/supervisor/panelsession.h"
 
@@ -90,8 +91,9 @@ QString placed(const QString& name, int number, const QString& text)
 /** Runs the lines of one script over one connection. */
 class Runner {
 public:
-    explicit Runner(const Script& script)
+    Runner(const Script& script, int answerTimeoutMs)
         : m_script(script)
+        , m_panel(answerTimeoutMs)
     {
     }
 
@@ -99,12 +101,16 @@ public:
     int run(const QString& host, quint16 port)
     {
         if (!m_panel.open(host, port))
-            return failure(m_panel.errorString());
+            return failure(m_panel.errorString(), ExitStatus::NoPanel);
         for (const ScriptLine& line : m_script.lines)
             if (!perform(line))
-                return failure(placed(m_script.name, line.number, m_panel.errorString()));
+                return failure(placed(m_script.name, line.number, m_panel.errorString()),
+                               ExitStatus::NoAnswer);
+        if (!arrived())
+            return failure(m_script.name + QStringLiteral(": at the end ") + m_panel.errorString(),
+                           ExitStatus::NoAnswer);
         m_panel.close();
-        return m_status;
+        return int(m_status);
     }
 
 private:
@@ -129,15 +135,22 @@ private:
         if (line.action.kind == Action::Kind::Request)
             printLine(modeName(*code));
         else if (*code != line.action.value)
-            m_status = failure(placed(m_script.name, line.number,
-                                      QStringLiteral("expected %1, the panel is in %2")
-                                          .arg(modeName(quint8(line.action.value)), modeName(*code))));
+            unmet(line, *code);
         return true;
     }
+    void unmet(const ScriptLine& line, quint8 code)
+    {
+        m_status = ExitStatus::Unmet;
+        remark(placed(m_script.name, line.number,
+                      QStringLiteral("expected %1, the panel is in %2")
+                          .arg(modeName(quint8(line.action.value)), modeName(code))));
+    }
+    /** Packets go unanswered, so only a question behind the last one shows that somebody read them all. */
+    bool arrived() { return m_script.lines.isEmpty() || m_panel.askMode(); }
 
     const Script& m_script;
     PanelSession m_panel;
-    int m_status = 0;
+    ExitStatus m_status = ExitStatus::Done;
 };
 
 } // namespace
@@ -164,9 +177,11 @@ Script Script::load(const QString& path)
     }
     if (QFileInfo(path).isDir())
         return {path, {}, QStringLiteral("cannot read \"%1\": it is a folder").arg(path)};
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {path, {}, QStringLiteral("cannot read \"%1\": %2").arg(path, file.errorString())};
+    QFile file;
+    std::FILE* stream = std::fopen(bytesOf(path).constData(), "rb"); // the name may be no UTF-8
+    if (!stream)
+        return {path, {}, QStringLiteral("cannot read \"%1\": %2").arg(path, qt_error_string())};
+    file.open(stream, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
     return parse(path, file.readAll(), QFileInfo(path).absoluteDir());
 }
 
@@ -175,7 +190,8 @@ Script Script::parse(const QString& name, const QByteArray& text, const QDir& fo
     Script script;
     script.name = name;
     int number = 0;
-    for (const QString& line : QString::fromUtf8(text).split(QLatin1Char('\n'))) {
+    const QByteArray mark("\xEF\xBB\xBF"); // some editors put this in front of UTF-8
+    for (const QString& line : textOf(text.startsWith(mark) ? text.mid(3) : text).split(QLatin1Char('\n'))) {
         ++number;
         const SplitLine split = splitLine(line);
         if (split.words.isEmpty() && split.error.isEmpty())
@@ -194,5 +210,7 @@ Script Script::parse(const QString& name, const QByteArray& text, const QDir& fo
 int runScript(const CommandLine& commandLine)
 {
     const Script script = Script::load(commandLine.words[0]);
-    return script.ok() ? Runner(script).run(commandLine.host, commandLine.port) : failure(script.error);
+    if (!script.ok())
+        return failure(script.error);
+    return Runner(script, commandLine.answerTimeoutMs).run(commandLine.host, commandLine.port);
 }
