@@ -1,6 +1,7 @@
 # What the boards' toolchain files share. They set VIREO_BOARD (Debian's name of the architecture),
 # VIREO_BOARD_TRIPLE and VIREO_BOARD_EMULATOR; packaging/cross.sh lays out the sysroot.
 set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_C_COMPILER ${VIREO_BOARD_TRIPLE}-gcc)
 set(CMAKE_CXX_COMPILER ${VIREO_BOARD_TRIPLE}-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE ${VIREO_BOARD_TRIPLE})
 
