@@ -1,5 +1,6 @@
 #!/bin/bash
-# Builds the panel with the distribution's flags and makes its Debian package in build/package.
+# Builds the panel and its stand-in supervisor with the distribution's flags and makes their Debian packages, for the
+# release that it runs on, in build/package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,8 +11,8 @@ SOURCE_DATE_EPOCH=$(git log -1 --format=%ct 2>/dev/null || date +%s)
 export SOURCE_DATE_EPOCH
 umask 022
 cmake --preset package
-cmake --build --preset package --target vireo
-rm -f build/package/vireo_*.deb
+cmake --build --preset package --target vireo vireo-supervisor
+rm -f build/package/*.deb
 (cd build/package && cpack -G DEB)
-lintian --fail-on error build/package/vireo_*.deb
-ls -l build/package/vireo_*.deb
+lintian --fail-on error,warning build/package/*.deb
+ls -l build/package/*.deb
