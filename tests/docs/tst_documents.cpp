@@ -1,3 +1,4 @@
+#include "app/version.h"
 #include "tests/docs/document.h"
 #include "tests/support/panelmain.h"
 
@@ -62,11 +63,8 @@ private slots:
 
     void newestChangesAreOfThisVersion()
     {
-        static const QRegularExpression version(QStringLiteral("vireo ([\\d.]+) "));
-        const QString banner = version.match(Document(QStringLiteral("app/main.cpp")).text()).captured(1);
         const QString newest = Document(QStringLiteral("CHANGELOG.md")).headings().value(1);
-        QVERIFY(!banner.isEmpty());
-        QCOMPARE(newest.section(QLatin1Char(','), 0, 0), banner);
+        QCOMPARE(newest.section(QLatin1Char(','), 0, 0), QLatin1String(vireoVersion));
     }
 
     void linksLeadSomewhere_data() { addPages(); }
