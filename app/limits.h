@@ -34,6 +34,9 @@ constexpr int routeMs = 30 * 1000;
 /** a network that has not restarted by then will not */
 constexpr int networkRestartMs = 30 * 1000;
 
+/** how often a wait tells the service manager that the panel lives */
+constexpr int aliveMs = 1000;
+
 // the link
 
 /** kept unread of a replaced connection before its peer is held up, and unsent before it is closed */
@@ -42,7 +45,10 @@ constexpr int replacedBufferBytes = 16 * 1024;
 /** kept for a peer that does not read; further answers to it are dropped */
 constexpr int unsentBytes = 1024 * 1024;
 
-/** replaced connections kept open, or a quarter of the process's descriptors where that is less */
-constexpr int replacedConnections = 512;
+/** replaced connections kept open, and as many that wait to be served: a few of a process's descriptors */
+constexpr int connections = 64;
+
+/** a burst that takes longer goes on in the next turn of the event loop: a picture lags by no more */
+constexpr int drainTurnMs = 100;
 
 } // namespace limits

@@ -1,8 +1,8 @@
 #include "app/displayguard.h"
 #include "app/dprintf.h"
 #include "app/qtcompat.h"
+#include "app/servicemanager.h"
 #include "app/version.h"
-#include "app/watchdog.h"
 #include "mainwindow/mainwindow.h"
 
 #include <QApplication>
@@ -75,12 +75,12 @@ int main(int argc, char** argv)
     announceThreshold();
     reportKoreanFonts();
 
-    Watchdog watchdog;
+    ServiceManager serviceManager;
     MainWindow window;
     window.setVisible(true);
     // Where the port is taken the service manager hears nothing and tries again.
     const auto* const link = window.findChild<QTcpServer*>();
     if (link && link->isListening())
-        watchdog.announceReady();
+        serviceManager.announceReady();
     return QApplication::exec();
 }

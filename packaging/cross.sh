@@ -14,7 +14,7 @@ fi
 
 # What depends on the width of a size, the sign of a character, alignment and byte order, the modes, and one journey. The
 # emulator lacks the call with which the toolkit starts programs, so nothing here can restart a network.
-tests=(tst_packet tst_paparser tst_receive tst_watchdog
+tests=(tst_packet tst_paparser tst_receive tst_servicemanager
     tst_qtagparser tst_qmp3parser tst_qflacparser tst_qoggparser tst_coverpicture tst_damagedmedia
     tst_pictureflow tst_pictureflowturns tst_pictureflowanimator tst_pictureflowrenderer tst_pictureflowsurface
     tst_mainwindow tst_modes tst_modewiring tst_random_journey)

@@ -49,21 +49,6 @@ private slots:
         panel.emitParser("sgKEY_ESC()");
         QCOMPARE(log.plain(), strings({"void SetupForm::esc_action()"}));
     }
-
-    void hangingNetworkRestartIsGivenUpAfterHalfAMinute()
-    {
-        Panel panel;
-        const QString path = panel.unit.path(QStringLiteral("/etc/rc.d/init.d/network"));
-        UnitRoot::write(path, "#!/bin/sh\nexec sleep 300\n");
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        panel.emitParser("sgDEVICE_Set_Enter()");
-        QElapsedTimer timer;
-        timer.start();
-        Panel::emitOf(panel.widget("wg_Setting"), "sgLoadingMode()");
-        QVERIFY(timer.elapsed() >= 30000);
-        QCOMPARE(panel.screens(), strings({"wg_Setting"}));
-        QTest::qWait(100);
-    }
 };
 
 VIREO_TEST_MAIN(NetworkRestartTest)

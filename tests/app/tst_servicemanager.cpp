@@ -1,4 +1,4 @@
-#include "app/watchdog.h"
+#include "app/servicemanager.h"
 #include "tests/support/notifysocket.h"
 #include "tests/support/panelmain.h"
 
@@ -12,15 +12,18 @@ namespace {
 
 const char* const variables[] = {"NOTIFY_SOCKET", "WATCHDOG_USEC", "WATCHDOG_PID"};
 
-int timers(const Watchdog& watchdog)
+/** Ready, and what there is to tell of a panel that nobody has told anything. */
+const QList<QByteArray> ready = {"READY=1", "STATUS=Mode none; no supervisor"};
+
+int timers(const ServiceManager& panel)
 {
-    return int(watchdog.findChildren<QTimer*>().size());
+    return int(panel.findChildren<QTimer*>().size());
 }
 
 } // namespace
 
 /** The service manager is a real datagram socket; the timer is fired by hand. */
-class WatchdogTest : public QObject {
+class ServiceManagerTest : public QObject {
     Q_OBJECT
 
 private slots:
@@ -46,12 +49,12 @@ private slots:
         qputenv("NOTIFY_SOCKET", name);
         qputenv("WATCHDOG_USEC", "90000000");
         qputenv("WATCHDOG_PID", QByteArray::number(getpid()));
-        Watchdog watchdog;
+        ServiceManager panel;
         QCOMPARE(manager.received(), QList<QByteArray>());
-        watchdog.announceReady();
-        QCOMPARE(manager.received(), QList<QByteArray>({"READY=1"}));
+        panel.announceReady();
+        QCOMPARE(manager.received(), ready);
 
-        auto* const timer = watchdog.findChild<QTimer*>();
+        auto* const timer = panel.findChild<QTimer*>();
         QVERIFY(timer);
         QVERIFY(timer->isActive());
         QVERIFY(!timer->isSingleShot());
@@ -63,15 +66,42 @@ private slots:
         QCOMPARE(manager.received(), QList<QByteArray>({"WATCHDOG=1", "WATCHDOG=1", "WATCHDOG=1"}));
     }
 
+    void aWaitFeedsIt()
+    {
+        NotifySocket manager(m_folder.path().toUtf8() + "/wait");
+        qputenv("NOTIFY_SOCKET", m_folder.path().toUtf8() + "/wait");
+        qputenv("WATCHDOG_USEC", "90000000");
+        ServiceManager panel;
+        ServiceManager::sayAlive();
+        QCOMPARE(manager.received(), QList<QByteArray>({"WATCHDOG=1"}));
+    }
+
+    void changesOfOneTurnAreOneLine()
+    {
+        NotifySocket manager(m_folder.path().toUtf8() + "/status");
+        qputenv("NOTIFY_SOCKET", m_folder.path().toUtf8() + "/status");
+        ServiceManager panel;
+        for (int i = 0; i < 1000; ++i)
+            ServiceManager::sayMode(QByteArray::number(i));
+        ServiceManager::sayMode("usb");
+        ServiceManager::sayPeer("supervisor 127.0.0.1:40000");
+        QCOMPARE(manager.received(), QList<QByteArray>());
+        QCoreApplication::processEvents();
+        QCOMPARE(manager.received(), QList<QByteArray>({"STATUS=Mode usb; supervisor 127.0.0.1:40000"}));
+        ServiceManager::sayMode("usb");
+        QCoreApplication::processEvents();
+        QCOMPARE(manager.received(), QList<QByteArray>());
+    }
+
     void theEventLoopFeedsIt()
     {
         NotifySocket manager(m_folder.path().toUtf8() + "/loop");
         qputenv("NOTIFY_SOCKET", m_folder.path().toUtf8() + "/loop");
         qputenv("WATCHDOG_USEC", "2000");
-        Watchdog watchdog;
-        watchdog.announceReady();
+        ServiceManager panel;
+        panel.announceReady();
         QThread::msleep(50); // a loop that does not turn says nothing, however long
-        QCOMPARE(manager.received(), QList<QByteArray>({"READY=1"}));
+        QCOMPARE(manager.received(), ready);
         QVERIFY(QTest::qWaitFor([&] { return manager.received().contains("WATCHDOG=1"); }));
     }
 
@@ -97,10 +127,10 @@ private slots:
             qputenv("WATCHDOG_USEC", microseconds);
         if (!process.isEmpty())
             qputenv("WATCHDOG_PID", process);
-        Watchdog watchdog;
-        watchdog.announceReady();
-        QCOMPARE(manager.received(), QList<QByteArray>({"READY=1"}));
-        QCOMPARE(timers(watchdog), 0);
+        ServiceManager panel;
+        panel.announceReady();
+        QCOMPARE(manager.received(), ready);
+        QCOMPARE(timers(panel), 0);
     }
 
     void longestIntervalDoesNotWrap()
@@ -108,9 +138,9 @@ private slots:
         NotifySocket manager(m_folder.path().toUtf8() + "/long");
         qputenv("NOTIFY_SOCKET", m_folder.path().toUtf8() + "/long");
         qputenv("WATCHDOG_USEC", "18446744073709551615");
-        Watchdog watchdog;
-        watchdog.announceReady();
-        QCOMPARE(watchdog.findChild<QTimer*>()->interval(), INT_MAX);
+        ServiceManager panel;
+        panel.announceReady();
+        QCOMPARE(panel.findChild<QTimer*>()->interval(), INT_MAX);
     }
 
     void noManager_data()
@@ -129,25 +159,25 @@ private slots:
         if (!name.isEmpty())
             qputenv("NOTIFY_SOCKET", name);
         qputenv("WATCHDOG_USEC", "90000000");
-        Watchdog watchdog;
-        watchdog.announceReady();
-        QCOMPARE(timers(watchdog), 0);
+        ServiceManager panel;
+        panel.announceReady();
+        QCOMPARE(timers(panel), 0);
     }
 
     void aManagerThatHasGoneDoesNoHarm()
     {
         qputenv("NOTIFY_SOCKET", m_folder.path().toUtf8() + "/gone");
         qputenv("WATCHDOG_USEC", "90000000");
-        Watchdog watchdog;
-        watchdog.announceReady();
-        QCOMPARE(timers(watchdog), 1);
+        ServiceManager panel;
+        panel.announceReady();
+        QCOMPARE(timers(panel), 1);
     }
 
     void childrenAreNotAsked()
     {
         for (const char* variable : variables)
             qputenv(variable, "1");
-        Watchdog watchdog;
+        ServiceManager panel;
         for (const char* variable : variables)
             QVERIFY2(!qEnvironmentVariableIsSet(variable), variable);
     }
@@ -156,5 +186,5 @@ private:
     QTemporaryDir m_folder;
 };
 
-VIREO_TEST_MAIN(WatchdogTest)
-#include "tst_watchdog.moc"
+VIREO_TEST_MAIN(ServiceManagerTest)
+#include "tst_servicemanager.moc"

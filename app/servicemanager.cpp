@@ -1,6 +1,4 @@
-#include "app/watchdog.h"
-
-#include <QTimer>
+#include "app/servicemanager.h"
 
 #include <algorithm>
 #include <climits>
@@ -12,6 +10,8 @@
 #include <unistd.h>
 
 namespace {
+
+ServiceManager* theOne = nullptr;
 
 QByteArray take(const char* variable)
 {
@@ -40,27 +40,67 @@ int messageInterval(const QByteArray& microseconds, const QByteArray& process)
 
 } // namespace
 
-Watchdog::Watchdog(QObject* parent)
+ServiceManager::ServiceManager(QObject* parent)
     : QObject(parent)
     , m_name(socketName(take("NOTIFY_SOCKET")))
 {
     const QByteArray microseconds = take("WATCHDOG_USEC");
     m_interval = messageInterval(microseconds, take("WATCHDOG_PID"));
+    m_statusDue.setSingleShot(true);
+    connect(&m_statusDue, &QTimer::timeout, this, &ServiceManager::sayStatus);
+    theOne = this;
 }
 
-void Watchdog::announceReady()
+ServiceManager::~ServiceManager()
+{
+    theOne = nullptr;
+}
+
+void ServiceManager::announceReady()
 {
     if (m_name.isEmpty())
         return;
     send("READY=1");
+    sayStatus();
     if (m_interval == 0)
         return;
     auto* const timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, [this] { send("WATCHDOG=1"); });
+    connect(timer, &QTimer::timeout, this, &ServiceManager::sayAlive);
     timer->start(m_interval);
 }
 
-void Watchdog::send(const QByteArray& state) const
+void ServiceManager::sayAlive()
+{
+    if (theOne && theOne->m_interval > 0)
+        theOne->send("WATCHDOG=1");
+}
+
+void ServiceManager::sayMode(const QByteArray& mode)
+{
+    if (theOne)
+        theOne->change(theOne->m_mode, mode);
+}
+
+void ServiceManager::sayPeer(const QByteArray& peer)
+{
+    if (theOne)
+        theOne->change(theOne->m_peer, peer);
+}
+
+void ServiceManager::change(QByteArray& part, const QByteArray& text)
+{
+    if (m_name.isEmpty() || part == text)
+        return;
+    part = text;
+    m_statusDue.start(0);
+}
+
+void ServiceManager::sayStatus() const
+{
+    send("STATUS=Mode " + m_mode + "; " + m_peer);
+}
+
+void ServiceManager::send(const QByteArray& state) const
 {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
