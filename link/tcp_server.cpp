@@ -6,20 +6,23 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-#include <algorithm>
-
-#include <poll.h>
-#include <sys/resource.h>
-
 namespace {
 
-/** Whether the other end has closed or reset the connection, also while bytes of it wait unread. */
-bool peerIsGone(const QTcpSocket& socket)
+/** The smallest buffer there is: with it a socket takes one byte from the kernel and no more. */
+constexpr qint64 heldBufferBytes = 1;
+constexpr qint64 anyNumberOfBytes = 0;
+
+bool isConnected(const QTcpSocket& socket)
 {
-    if (socket.state() != QAbstractSocket::ConnectedState)
-        return true;
-    pollfd ask = {int(socket.socketDescriptor()), POLLRDHUP, 0};
-    return poll(&ask, 1, 0) > 0;
+    return socket.state() == QAbstractSocket::ConnectedState;
+}
+
+/** Appends a socket to a list that holds so many at most; the oldest goes. */
+void appendBounded(QList<QTcpSocket*>& sockets, QTcpSocket* socket)
+{
+    sockets.append(socket);
+    if (sockets.size() > limits::connections)
+        sockets.takeFirst()->deleteLater();
 }
 
 } // namespace
@@ -60,13 +63,52 @@ void tcp_server::acceptConnection()
     QTcpSocket* newest = m_server->nextPendingConnection();
     if (!newest)
         return;
-    retire(m_client);
-    m_client = newest;
-    connect(m_client, &QTcpSocket::readyRead, this, &tcp_server::recv_message);
+    newest->setReadBufferSize(heldBufferBytes);
+    appendBounded(m_arrived, newest);
+    serveArrived();
+}
+
+void tcp_server::serveArrived()
+{
+    while (!m_held && !m_arrived.isEmpty()) {
+        receiveWaiting();
+        if (m_held)
+            return;
+        retire(m_client);
+        m_client = m_arrived.takeFirst();
+        m_client->setReadBufferSize(anyNumberOfBytes);
+        connect(m_client, &QTcpSocket::readyRead, this, &tcp_server::recv_message);
+        if (m_client->bytesAvailable() > 0)
+            receiveWaiting();
+    }
+}
+
+/** Reads what the kernel holds for the current peer now, as a burst of its own. */
+void tcp_server::receiveWaiting()
+{
+    const bool arrived = isConnected(*m_client) && m_client->waitForReadyRead(0);
+    if (!arrived && m_client->bytesAvailable() > 0)
+        recv_message();
+}
+
+void tcp_server::holdReceiving()
+{
+    m_held = true;
+    m_client->setReadBufferSize(heldBufferBytes);
+}
+
+void tcp_server::resumeReceiving()
+{
+    m_held = false;
+    m_client->setReadBufferSize(anyNumberOfBytes);
+    receiveWaiting();
+    serveArrived();
 }
 
 void tcp_server::recv_message()
 {
+    if (m_held)
+        return;
     while (m_client->bytesAvailable() > 0)
         m_received += m_client->read(m_client->bytesAvailable());
     DPRINTF(0, "received Packet : %s\n", m_received.toHex().constData());
@@ -88,7 +130,7 @@ void tcp_server::WritePkt(QByteArray baPkt)
 
 void tcp_server::send_message(QString recvdata)
 {
-    const QByteArray text = recvdata.toUtf8() + '\0';
+    const QByteArray text = recvdata.section(QChar::Null, 0, 0).toUtf8() + '\0';
     const QByteArray packet = packetOf(quint16(Command::UrlText), quint16(recvdata.size()), text);
     write(packet);
     DPRINTF(2, "Send Url Packet [ %s ] ", packet.toHex().constData());
@@ -107,31 +149,21 @@ void tcp_server::write(const QByteArray& packet)
     m_client->flush();
 }
 
-int tcp_server::maxReplaced()
-{
-    rlimit descriptors = {};
-    getrlimit(RLIMIT_NOFILE, &descriptors);
-    return int(std::min(rlim_t(limits::replacedConnections), descriptors.rlim_cur / 4));
-}
-
 void tcp_server::retire(QTcpSocket* socket)
 {
-    releaseGoneReplaced();
-    if (peerIsGone(*socket) || socket->bytesToWrite() > limits::replacedBufferBytes) {
+    if (!isConnected(*socket) || socket->bytesToWrite() > limits::replacedBufferBytes) {
         socket->deleteLater();
         return;
     }
     socket->setReadBufferSize(limits::replacedBufferBytes);
-    m_replaced.append(socket);
+    appendBounded(m_replaced, socket);
     connect(socket, &QTcpSocket::disconnected, this, &tcp_server::releaseGoneReplaced);
-    if (m_replaced.size() > maxReplaced())
-        m_replaced.takeFirst()->deleteLater();
 }
 
 void tcp_server::releaseGoneReplaced()
 {
     for (auto i = m_replaced.size(); i-- > 0;) {
-        if (peerIsGone(*m_replaced.at(i)))
+        if (!isConnected(*m_replaced.at(i)))
             m_replaced.takeAt(i)->deleteLater();
     }
 }

@@ -15,8 +15,8 @@ class QTcpSocket;
  * newest connection. Received bytes are handed on as they come, without regard to packets; wire format:
  * link/packet.h.
  *
- * A connection that a newer one has replaced stays open, unread, until its peer goes away. Its buffer is
- * bounded, and so is the number of such connections.
+ * What a peer has sent before a newer one replaces it is handed on first. From then on its connection stays
+ * open, unread, until the peer goes away. Its buffer is bounded, and so is the number of such connections.
  */
 class tcp_server : public QWidget {
     Q_OBJECT
@@ -24,12 +24,16 @@ class tcp_server : public QWidget {
 public:
     static constexpr quint16 port = linkPort;
 
-    /** Replaced connections kept open: a quarter of the process's descriptors. Beyond it the oldest is
-     * dropped. */
-    static int maxReplaced();
-
     explicit tcp_server(QWidget* parent);
     ~tcp_server() override;
+
+    /**
+     * Leaves what arrives to the kernel, and with it to the peer, and serves no new connection, until
+     * resumeReceiving(): for a receiver that cannot keep up.
+     */
+    void holdReceiving();
+    /** Goes on: first with what has arrived meanwhile, in one burst, then with the connections that wait. */
+    void resumeReceiving();
 
 signals:
     void sgplay();
@@ -47,11 +51,13 @@ public slots:
     void acceptConnection();
     void recv_message();
     void createsocket();
-    /** Sends a command-12 packet: its length field counts characters, a zero byte ends the text. */
+    /** Sends a command-12 packet: its length field counts all characters, its text ends at the first zero. */
     void send_message(QString recvdata);
     void WritePkt(QByteArray baPkt);
 
 private:
+    void serveArrived();
+    void receiveWaiting();
     void retire(QTcpSocket* socket);
     void releaseGoneReplaced();
     void write(const QByteArray& packet);
@@ -59,7 +65,9 @@ private:
     QTcpServer* m_server = nullptr;
     QTcpSocket* m_client = nullptr;
     QByteArray m_received;
+    QList<QTcpSocket*> m_arrived; // newer than the current one, not served yet
     QList<QTcpSocket*> m_replaced;
+    bool m_held = false;
     /** Set while packets are dropped, so that one line tells of any number of them. */
     bool m_dropping = false;
 };

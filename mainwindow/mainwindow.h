@@ -107,7 +107,8 @@ public slots:
     void ResponseCurrentMode();
     void setIRUrl(QString url);
     void setIRTitle(QString title);
-    /** Appends received bytes to the queue and handles every packet that is complete. */
+    /** Appends received bytes to the queue and handles every packet that is complete; what takes longer than
+     * limits::drainTurnMs goes on in the next turn of the event loop. */
     void stackBuff(QByteArray chunk);
     /** Takes one packet, or one byte of junk, off the front of the receive queue. */
     void parsingfromSupervisor();
@@ -129,11 +130,17 @@ private:
     void connectStateSlots();
     QState* state(ModeState id) const;
 
-    /** Records the last playback source; true when the file was written. */
+    /** Records the last playback source; true when the file was written. In a long drain it is written at the
+     * end of the turn, once, whatever the number of changes. */
     bool XmlWriteOpermode(QString type);
     void connectSetupInput();
     void dropInput();
+    void drain();
+    void goOnInTheNextTurn();
+    void endLongDrain();
     void consumeFront();
+    bool writeOpermode(const QString& type);
+    void writeGatheredOpermode();
 
     Ui::MainWindow* ui;
     tcp_server* m_server = nullptr;
@@ -156,4 +163,8 @@ private:
     int m_consumed = 0;
     bool m_draining = false;
     bool m_moreToDrain = false;
+    /** Whether the burst that is being handled has lasted longer than a turn of the event loop. */
+    bool m_longDrain = false;
+    /** The operating mode that the file is to tell at the end of this turn; empty for no change. */
+    QString m_gatheredOpermode;
 };

@@ -1,7 +1,12 @@
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "link/packet.h"
+#include "link/tcp_server.h"
 #include "mainwindow/mainwindow.h"
 #include "protocol/paparser.h"
+
+#include <QDeadlineTimer>
+#include <QTimer>
 
 /**
  * The receive queue. Chunks follow the segments of TCP, not the packets; the cutter takes packets off the
@@ -27,16 +32,48 @@ void MainWindow::parsingfromSupervisor()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
     m_moreToDrain = true;
-    if (m_draining)
-        return;
+    if (!m_draining)
+        drain();
+}
+
+/**
+ * A burst that takes longer than a turn is finished in later turns of the event loop, so that painting,
+ * timers and the service manager's watchdog live on. Meanwhile nothing more is taken from the link.
+ */
+void MainWindow::drain()
+{
+    const QDeadlineTimer turn(limits::drainTurnMs);
     m_draining = true;
-    while (m_moreToDrain) {
+    while (m_moreToDrain && !turn.hasExpired()) {
         m_moreToDrain = false;
         consumeFront();
     }
     m_draining = false;
     m_received.remove(0, m_consumed);
     m_consumed = 0;
+    if (m_moreToDrain)
+        goOnInTheNextTurn();
+    else if (m_longDrain)
+        endLongDrain();
+}
+
+void MainWindow::goOnInTheNextTurn()
+{
+    if (!m_longDrain)
+        m_server->holdReceiving();
+    m_longDrain = true;
+    writeGatheredOpermode();
+    QTimer::singleShot(0, this, [this] {
+        if (m_moreToDrain)
+            drain();
+    });
+}
+
+void MainWindow::endLongDrain()
+{
+    m_longDrain = false;
+    writeGatheredOpermode();
+    m_server->resumeReceiving();
 }
 
 void MainWindow::consumeFront()

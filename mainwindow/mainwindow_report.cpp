@@ -16,6 +16,22 @@ void MainWindow::ResponseCurrentMode()
 
 bool MainWindow::XmlWriteOpermode(QString type)
 {
+    if (m_longDrain) {
+        m_gatheredOpermode = type;
+        return true;
+    }
+    return writeOpermode(type);
+}
+
+void MainWindow::writeGatheredOpermode()
+{
+    const QString type = std::exchange(m_gatheredOpermode, {});
+    if (!type.isEmpty())
+        writeOpermode(type);
+}
+
+bool MainWindow::writeOpermode(const QString& type)
+{
     QString error;
     const ConfigWrite result =
         writeConfig(unitPath(UnitPath::OperMode), {{QStringLiteral("type"), type}}, &error);

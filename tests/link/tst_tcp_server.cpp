@@ -150,6 +150,9 @@ private slots:
         QTest::newRow("eight letters") << "http://a" << QByteArray::fromHex("0c000800687474703a2f2f6100");
         QTest::newRow("two syllables, six bytes")
             << QString::fromUtf8("노래") << QByteArray::fromHex("0c000200eb85b8eb9e9800");
+        QTest::newRow("ends at its first zero, which counts, as does what stands behind it")
+            << QString(QStringLiteral("ab") + QChar(u'\0') + QStringLiteral("cd"))
+            << QByteArray::fromHex("0c000500616200");
         QTest::newRow("beyond the basic plane: two code units")
             << QString::fromUtf8("\xF0\x9D\x84\x9E") << QByteArray::fromHex("0c000200f09d849e00");
     }
@@ -230,21 +233,147 @@ private slots:
         QCOMPARE(received(*second, 1), QByteArray("x"));
     }
 
-    void deadPeerIsReleasedAlsoWhileItsBytesWait()
+    void whatAPeerHadSentComesBeforeItsSuccessor()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        SignalRecorder recorder(&server);
+        log.clear();
+        // All three wait before the server looks at any of them.
+        const auto first = connected();
+        const auto second = connected();
+        const auto third = connected();
+        QVERIFY(first && second && third);
+        for (QTcpSocket* peer : {third.get(), second.get(), first.get()}) {
+            peer->write(peer == first.get() ? "one" : peer == second.get() ? "two" : "three");
+            QVERIFY(peer->waitForBytesWritten());
+            peer->disconnectFromHost();
+        }
+        QTRY_COMPARE(recorder.emitted().size(), 3);
+        QCOMPARE(recorder.emitted(), strings({"sgRxOK(6f6e65)", "sgRxOK(74776f)", "sgRxOK(7468726565)"}));
+        QCOMPARE(log.lines(),
+                 strings({"received Packet : 6f6e65\n", "received Packet : 74776f\n",
+                          "received Packet : 7468726565\n"}));
+    }
+
+    void silentPeerIsReplacedWithoutALine()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        const auto first = newPeer(server);
+        log.clear();
+        const auto second = newPeer(server);
+        QVERIFY(first && second);
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    void heldServerLeavesBytesToTheirPeer()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        const auto peer = newPeer(server);
+        QVERIFY(peer);
+        SignalRecorder recorder(&server);
+        log.clear();
+        server.holdReceiving();
+        const QByteArray flood(16 * 1024 * 1024, 'x');
+        peer->write(flood);
+        for (int i = 0; i < 200; ++i)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+        QVERIFY2(peer->bytesToWrite() > 0, "the peer still has what the kernel does not take");
+        QCOMPARE(log.lines(), QStringList());
+        qint64 arrived = 0;
+        connect(&server, &tcp_server::sgRxOK, this,
+                [&](const QByteArray& bytes) { arrived += bytes.size(); });
+        server.resumeReceiving();
+        QTRY_COMPARE(arrived, flood.size());
+    }
+
+    void bytesOfAHeldPeerAreOneBurst()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        const auto peer = newPeer(server);
+        QVERIFY(peer);
+        SignalRecorder recorder(&server);
+        server.holdReceiving();
+        for (const char* piece : {"one ", "two ", "three"}) {
+            peer->write(piece);
+            QVERIFY(peer->waitForBytesWritten());
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        }
+        QCOMPARE(recorder.emitted(), QStringList());
+        server.resumeReceiving();
+        QCOMPARE(recorder.emitted(),
+                 QStringList(
+                     QStringLiteral("sgRxOK(%1)").arg(QLatin1String(QByteArray("one two three").toHex()))));
+    }
+
+    void newPeersWaitForAHeldServerInTheirOrder()
+    {
+        LogCatcher log;
+        tcp_server server(nullptr);
+        server.operateServer();
+        const auto first = newPeer(server);
+        QVERIFY(first);
+        SignalRecorder recorder(&server);
+        server.holdReceiving();
+        const auto second = newPeer(server);
+        const auto third = newPeer(server);
+        QVERIFY(second && third);
+        // What the held server answers still goes to the peer that it serves.
+        server.WritePkt("x");
+        QCOMPARE(received(*first, 1), QByteArray("x"));
+        for (QTcpSocket* peer : {third.get(), second.get(), first.get()}) {
+            peer->write(peer == first.get() ? "one" : peer == second.get() ? "two" : "three");
+            QVERIFY(peer->waitForBytesWritten());
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        server.resumeReceiving();
+        QTRY_COMPARE(recorder.emitted().filter(QStringLiteral("sgRxOK(")),
+                     strings({"sgRxOK(6f6e65)", "sgRxOK(74776f)", "sgRxOK(7468726565)"}));
+        server.WritePkt("y");
+        QCOMPARE(received(*third, 1), QByteArray("y"));
+    }
+
+    void receiverMayHoldTheServerAgain()
     {
         LogCatcher log(5);
         tcp_server server(nullptr);
         server.operateServer();
-        auto first = newPeer(server);
-        auto second = newPeer(server);
+        SignalRecorder recorder(&server);
+        connect(&server, &tcp_server::sgRxOK, &server, [&server] { server.holdReceiving(); });
+        const auto first = connected();
+        const auto second = connected();
         QVERIFY(first && second);
-        first->write(QByteArray(4 * limits::replacedBufferBytes, 'x'));
-        QVERIFY(first->waitForBytesWritten());
-        first.reset();
-        second.reset();
-        const auto third = newPeer(server);
-        QVERIFY(third);
-        QVERIFY(QTest::qWaitFor([&] { return server.findChildren<QTcpSocket*>().size() == 1; }));
+        first->write("one");
+        second->write("two");
+        QVERIFY(first->waitForBytesWritten() && second->waitForBytesWritten());
+        QTRY_COMPARE(recorder.emitted(), strings({"sgRxOK(6f6e65)"}));
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        QCOMPARE(recorder.emitted(), strings({"sgRxOK(6f6e65)"}));
+        server.resumeReceiving();
+        QTRY_COMPARE(recorder.emitted(), strings({"sgRxOK(6f6e65)", "sgRxOK(74776f)"}));
+    }
+
+    void peersThatDieWithBytesWaitingAreFew()
+    {
+        LogCatcher log(5);
+        tcp_server server(nullptr);
+        server.operateServer();
+        auto before = newPeer(server);
+        for (int i = 0; i < 2 * limits::connections; ++i) {
+            auto peer = newPeer(server);
+            QVERIFY(peer);
+            before->write(QByteArray(4 * limits::replacedBufferBytes, 'x'));
+            QVERIFY(before->waitForBytesWritten());
+            before = std::move(peer);
+        }
+        QTRY_VERIFY(server.findChildren<QTcpSocket*>().size() <= limits::connections + 1);
     }
 
     void peerThatNeverReadsIsBounded()
@@ -294,11 +423,11 @@ private slots:
         tcp_server server(nullptr);
         server.operateServer();
         std::vector<std::unique_ptr<QTcpSocket>> peers;
-        for (int i = 0; i < tcp_server::maxReplaced() + 20; ++i) {
+        for (int i = 0; i < limits::connections + 20; ++i) {
             peers.push_back(newPeer(server));
             QVERIFY(peers.back());
         }
-        QVERIFY(QTest::qWaitFor([&] { return openSockets(server) == tcp_server::maxReplaced() + 1; }));
+        QVERIFY(QTest::qWaitFor([&] { return openSockets(server) == limits::connections + 1; }));
         server.WritePkt("x");
         QCOMPARE(received(*peers.back(), 1), QByteArray("x"));
         QCOMPARE(peers.at(peers.size() / 2)->state(), QAbstractSocket::ConnectedState);

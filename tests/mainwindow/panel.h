@@ -23,6 +23,13 @@ public:
     /** Emits a signal of the parser, named with its arguments; texts are empty and numbers 0. */
     void emitParser(const char* signal) { emitOf(&parser(), signal); }
 
+    /** Hands bytes to the window as the link does and lets it finish them, however slow the machine. */
+    void receive(const QByteArray& bytes)
+    {
+        window.stackBuff(bytes);
+        QCoreApplication::processEvents();
+    }
+
     static void emitOf(QObject* sender, const char* signal)
     {
         const QMetaObject* meta = sender->metaObject();

@@ -1,9 +1,14 @@
+#include "app/limits.h"
 #include "link/packet.h"
 #include "tests/mainwindow/panel.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/signalrecorder.h"
+#include "tests/support/strings.h"
 
+#include <QDir>
 #include <QSignalSpy>
+#include <QThread>
+#include <QTimer>
 
 #include <memory>
 
@@ -86,6 +91,26 @@ private:
     }
 };
 
+/** Makes handling the stop key last longer than a turn of the event loop may. */
+class SlowStop : public QObject {
+public:
+    explicit SlowStop(const PAparser& parser)
+    {
+        connect(&parser, &PAparser::sgKEY_STOP, this, [] { QThread::msleep(limits::drainTurnMs + 1); });
+    }
+};
+
+QStringList cutterLines(const QStringList& log)
+{
+    QStringList lines;
+    for (const QString& line : log) {
+        if (line.contains(QStringLiteral("MainWindow::")) || line.startsWith(QStringLiteral("E  Pkt"))
+            || line.startsWith(QStringLiteral("E Pkt")) || line == QStringLiteral("E size error"))
+            lines << line;
+    }
+    return lines;
+}
+
 } // namespace
 
 class ReceiveTest : public QObject {
@@ -134,7 +159,7 @@ private slots:
         QFETCH(QStringList, lines);
         Panel panel;
         LogCatcher log;
-        panel.window.stackBuff(chunk);
+        panel.receive(chunk);
         QCOMPARE(log.plain(), lines);
     }
 
@@ -195,14 +220,8 @@ private slots:
             plain.lines.clear();
             plain.stackBuff(chunk);
             log.clear();
-            panel.window.stackBuff(chunk);
-            QStringList cutterLines;
-            for (const QString& line : log.plain()) {
-                if (line.contains(QStringLiteral("MainWindow::")) || line.startsWith(QStringLiteral("E  Pkt"))
-                    || line.startsWith(QStringLiteral("E Pkt")) || line == QStringLiteral("E size error"))
-                    cutterLines << line;
-            }
-            QCOMPARE(cutterLines, plain.lines);
+            panel.receive(chunk);
+            QCOMPARE(cutterLines(log.plain()), plain.lines);
         }
         QVERIFY(plain.packets.size() > 200);
     }
@@ -221,8 +240,71 @@ private slots:
         LogCatcher log(5);
         SignalRecorder recorder(&panel.parser());
         panel.window.stackBuff(junk + bytes("ffffffff") + bytes("0500010001"));
+        QVERIFY(QTest::qWaitFor([&] { return recorder.emitted().contains(QStringLiteral("sgKEY_STOP()")); },
+                                60000));
         QCOMPARE(recorder.emitted().filter(QStringLiteral("sgKEY")),
                  QStringList(QStringLiteral("sgKEY_STOP()")));
+    }
+
+    void slowBurstGoesOnInTheNextTurnOfTheEventLoop()
+    {
+        Panel panel;
+        SlowStop slow(panel.parser());
+        PlainCutter plain;
+        const QByteArray chunk =
+            bytes("0500010001") + bytes("ff") + bytes("0b00010001") + bytes("0500010002");
+        plain.stackBuff(chunk);
+        SignalRecorder recorder(&panel.parser());
+        LogCatcher log;
+        QStringList seenByATimer;
+        QTimer::singleShot(0, &panel.window, [&] { seenByATimer = recorder.emitted(); });
+        panel.window.stackBuff(chunk);
+        QCOMPARE(recorder.emitted(), strings({"sgKEY_STOP()"}));
+        QTRY_COMPARE(recorder.emitted(), strings({"sgKEY_STOP()", "sgEncRight()", "sgKEY_PLAY_PAUSE()"}));
+        QCOMPARE(seenByATimer, strings({"sgKEY_STOP()"}));
+        QCOMPARE(cutterLines(log.plain()), plain.lines);
+    }
+
+    void burstBehindASlowOneKeepsItsPlace()
+    {
+        Panel panel;
+        SlowStop slow(panel.parser());
+        LogCatcher log(5);
+        SignalRecorder recorder(&panel.parser());
+        panel.window.stackBuff(bytes("0500010001") + bytes("0b00010001"));
+        panel.window.stackBuff(bytes("0500010002"));
+        QTRY_COMPARE(recorder.emitted(), strings({"sgKEY_STOP()", "sgEncRight()", "sgKEY_PLAY_PAUSE()"}));
+    }
+
+    /** Each write that cannot be is one line of the log. */
+    void slowBurstRecordsItsLastModeOnly()
+    {
+        Panel panel;
+        QVERIFY(QDir().mkpath(panel.unit.path(QStringLiteral("/opt/orvane/conf/oper_mode.xml"))));
+        const auto failedWrites = [] {
+            return LogCatcher::plain().filter(QStringLiteral("irectory")).size();
+        };
+        const QByteArray modes = bytes("0700010001") + bytes("0700010010") + bytes("0700010001");
+        LogCatcher log(4);
+        panel.receive(modes);
+        QCOMPARE(failedWrites(), 3);
+        panel.emitParser("sgKEY_LONG_SELECT()");
+        SlowStop slow(panel.parser());
+        log.clear();
+        panel.window.stackBuff(bytes("0500010001") + modes);
+        QCOMPARE(failedWrites(), 0);
+        QTRY_COMPARE(panel.mode(), QStringLiteral("USBMode"));
+        QCOMPARE(failedWrites(), 1);
+    }
+
+    void slowBurstLeavesTheModeInTheFile()
+    {
+        Panel panel;
+        SlowStop slow(panel.parser());
+        LogCatcher log(5);
+        panel.window.stackBuff(bytes("0500010001") + bytes("0700010001") + bytes("0700010010"));
+        QTRY_VERIFY(UnitRoot::read(panel.unit.path(QStringLiteral("/opt/orvane/conf/oper_mode.xml")))
+                        .contains("aoe"));
     }
 
 private:
