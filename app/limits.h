@@ -51,4 +51,33 @@ constexpr int connections = 64;
 /** a burst that takes longer goes on in the next turn of the event loop: a picture lags by no more */
 constexpr int drainTurnMs = 100;
 
+// pictures
+
+/** what is left for a picture, its file included, of the 128 MiB that the whole panel may take */
+constexpr int pictureBytes = 80 * 1024 * 1024;
+
+/** unpacking more takes too long, however few bits each of them has */
+constexpr int picturePixels = 32 * 1024 * 1024;
+
+/** of a JPEG that is decoded whole; the decoder itself reduces a larger one on the way */
+constexpr int jpegPixels = 16 * 1024 * 1024;
+
+/** no encoder writes more than some dozens of scans into a progressive JPEG */
+constexpr int jpegScans = 256;
+
+/** a JPEG's blocks times its scans; the decoder needs up to 20 ns to pass one of them */
+constexpr int jpegBlocks = 16 * 1024 * 1024;
+
+/** of a JPEG in several scans, where each byte may change many coefficients */
+constexpr int jpegScansBytes = 8 * 1024 * 1024;
+
+/** remarks and the like in a JPEG; the toolkit keeps each in pieces of memory of its own */
+constexpr int jpegNotes = 1024;
+
+/** of a picture in a format that nobody uses for large covers and whose decoder may be slow */
+constexpr int rarePictureBytes = 16 * 1024 * 1024;
+
+/** of a picture that is written as text, which is read a character at a time */
+constexpr int textPictureBytes = 8 * 1024 * 1024;
+
 } // namespace limits

@@ -32,20 +32,25 @@ QByteArray withoutPngTexts(const QByteArray& imageFile)
 {
     if (!imageFile.startsWith(signature))
         return imageFile;
-    QByteArray kept = imageFile.left(signatureBytes);
-    kept.reserve(imageFile.size());
+    QByteArray kept;
+    qint64 keptEnd = 0; // of the bytes that are in `kept`
     qint64 at = signatureBytes;
     while (at < imageFile.size()) {
         const qint64 dataEnd = at + headBytes + toUInt(bytesAt(imageFile, at, numberBytes), true);
         const QByteArray name = bytesAt(imageFile, at + numberBytes, numberBytes);
         if (name == "IEND")
-            break;
+            break; // the toolkit forgives an end that is cut
         if (dataEnd > imageFile.size())
             return {};
         const qint64 end = dataEnd + numberBytes;
-        kept += isText(name) ? QByteArray::fromRawData(emptyText, emptyTextBytes)
-                             : bytesAt(imageFile, at, end - at);
+        if (isText(name)) {
+            if (keptEnd == 0)
+                kept.reserve(imageFile.size());
+            kept += bytesAt(imageFile, keptEnd, at - keptEnd);
+            kept += QByteArray::fromRawData(emptyText, emptyTextBytes);
+            keptEnd = end;
+        }
         at = end;
     }
-    return kept + bytesAt(imageFile, at, imageFile.size()); // the toolkit forgives an end that is cut
+    return keptEnd == 0 ? imageFile : kept + bytesAt(imageFile, keptEnd, imageFile.size());
 }

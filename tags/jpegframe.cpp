@@ -1,0 +1,162 @@
+#include "tags/jpegframe.h"
+
+#include "tags/bytesat.h"
+#include "tags/touint.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+constexpr quint8 endOfImage = 0xD9;
+constexpr quint8 startOfScan = 0xDA;
+constexpr quint8 notes[] = {0xE1, 0xE2, 0xFE}; // camera data, colour profiles, remarks
+
+/** Markers that a segment follows, which begins with its length; the others stand alone or are damage. */
+struct Range {
+    quint8 first;
+    quint8 last;
+};
+constexpr Range segments[] = {{0xC0, 0xCF}, {startOfScan, 0xDD}, {0xE0, 0xEF}, {0xFE, 0xFE}};
+constexpr int lengthBytes = 2;
+
+struct FrameKind {
+    quint8 marker;
+    bool isProgressive;
+    bool isArithmetic;
+};
+constexpr FrameKind frameKinds[] = {
+    {0xC0, false, false}, {0xC1, false, false}, {0xC2, true, false}, {0xC9, false, true}, {0xCA, true, true},
+};
+
+// A frame's segment: bits a sample, height, width, number of components; of each component its name, its
+// sampling factors and its table.
+constexpr int heightAt = 1;
+constexpr int widthAt = 3;
+constexpr int countAt = 5;
+constexpr int componentsAt = 6;
+constexpr int componentBytes = 3;
+constexpr int blockSide = 8;
+
+struct Sampling {
+    int across;
+    int down;
+};
+
+bool hasSegment(quint8 marker)
+{
+    return std::any_of(std::begin(segments), std::end(segments),
+                       [marker](Range range) { return marker >= range.first && marker <= range.last; });
+}
+
+const FrameKind* frameKind(quint8 marker)
+{
+    const auto* kind = std::find_if(std::begin(frameKinds), std::end(frameKinds),
+                                    [marker](const FrameKind& row) { return row.marker == marker; });
+    return kind == std::end(frameKinds) ? nullptr : kind;
+}
+
+int numberAt(const QByteArray& bytes, qint64 at, int count)
+{
+    return int(toUInt(bytesAt(bytes, at, count), true));
+}
+
+/** Where the code of the next marker stands; the end of the file where there is none. */
+qint64 nextCode(std::string_view file, qint64 from)
+{
+    for (auto at = file.find('\xFF', std::size_t(from)); at < file.size(); at = file.find('\xFF', at + 1)) {
+        if (at + 1 < file.size() && file[at + 1] != '\0' && file[at + 1] != '\xFF')
+            return qint64(at) + 1;
+    }
+    return qint64(file.size());
+}
+
+Sampling samplingOf(const QByteArray& segment, int component)
+{
+    const int factors = numberAt(segment, componentsAt + component * componentBytes + 1, 1);
+    return {factors >> 4, factors & 0xF};
+}
+
+/** The decoder stores whole units, of as many blocks of each component as its sampling factors say. */
+qint64 blocksOf(const QByteArray& segment, QSize pixels)
+{
+    Sampling most = {1, 1};
+    qint64 blocksOfUnit = 0;
+    for (int i = 0; i < numberAt(segment, countAt, 1); ++i) {
+        const Sampling sampling = samplingOf(segment, i);
+        most = {std::max(most.across, sampling.across), std::max(most.down, sampling.down)};
+        blocksOfUnit += qint64(sampling.across) * sampling.down;
+    }
+    const auto units = [](int side, int factor) {
+        return (side + factor * blockSide - 1) / (factor * blockSide);
+    };
+    return blocksOfUnit * units(pixels.width(), most.across) * units(pixels.height(), most.down);
+}
+
+/** Walks over the markers as the decoder does: segments are passed over, what lies between them is searched.
+ */
+class MarkerWalk {
+public:
+    std::optional<JpegFrame> run(const QByteArray& file)
+    {
+        const std::string_view view(file.constData(), std::size_t(file.size()));
+        for (qint64 at = nextCode(view, 0); at < file.size(); at = nextCode(view, at)) {
+            const auto marker = quint8(file.at(int(at++)));
+            if (marker == endOfImage)
+                break;
+            if (!hasSegment(marker))
+                continue;
+            const int length = std::max(numberAt(file, at, lengthBytes), lengthBytes);
+            take(marker, bytesAt(file, at + lengthBytes, length - lengthBytes));
+            at = std::min<qint64>(at + length, file.size());
+        }
+        return m_hasFrame && m_frame.scans > 0 ? std::optional(m_frame) : std::nullopt;
+    }
+
+private:
+    void take(quint8 marker, const QByteArray& segment)
+    {
+        if (marker == startOfScan)
+            takeScan(numberAt(segment, 0, 1));
+        else if (const FrameKind* kind = frameKind(marker))
+            takeFrame(*kind, segment);
+        else if (std::find(std::begin(notes), std::end(notes), marker) != std::end(notes))
+            takeNote(segment.size());
+    }
+
+    void takeFrame(const FrameKind& kind, const QByteArray& segment)
+    {
+        if (std::exchange(m_hasFrame, true))
+            return; // the decoder gives up
+        m_frame.pixels = QSize(numberAt(segment, widthAt, 2), numberAt(segment, heightAt, 2));
+        m_frame.blocks = blocksOf(segment, m_frame.pixels);
+        m_frame.holdsCoefficients = kind.isProgressive;
+        m_frame.isArithmetic = kind.isArithmetic;
+        m_components = numberAt(segment, countAt, 1);
+    }
+
+    void takeScan(int components)
+    {
+        if (m_frame.scans++ == 0 && components < m_components)
+            m_frame.holdsCoefficients = true;
+    }
+
+    void takeNote(qint64 bytes)
+    {
+        ++m_frame.notes;
+        m_frame.noteBytes += bytes;
+    }
+
+    JpegFrame m_frame;
+    bool m_hasFrame = false;
+    int m_components = 0;
+};
+
+} // namespace
+
+std::optional<JpegFrame> jpegFrame(const QByteArray& file)
+{
+    return MarkerWalk().run(file);
+}

@@ -1,0 +1,203 @@
+#include "app/limits.h"
+#include "app/pixels.h"
+#include "tags/coverpicture.h"
+#include "tests/support/panelmain.h"
+#include "tests/tags/jpegbuilder.h"
+#include "tests/tags/peakmemory.h"
+
+#include <QDir>
+
+using namespace JpegBuilder;
+
+namespace {
+
+constexpr qint64 MiB = 1024 * 1024;
+
+QByteArray saved(const QImage& image, const char* format)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (!image.save(&buffer, format))
+        qFatal("no image plugin writes %s", format);
+    return buffer.data();
+}
+
+/** Four areas: red and green above, blue and white below. */
+QImage quarters(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        QRgb* line = pixelsOf(image.scanLine(y));
+        const bool isAbove = y < height / 2;
+        std::fill(line, line + width / 2, isAbove ? qRgb(255, 0, 0) : qRgb(0, 0, 255));
+        std::fill(line + width / 2, line + width, isAbove ? qRgb(0, 255, 0) : qRgb(255, 255, 255));
+    }
+    return image;
+}
+
+bool isNear(QRgb colour, QRgb expected)
+{
+    const auto differs = [](int a, int b) { return qAbs(a - b) > 8; };
+    return !differs(qRed(colour), qRed(expected)) && !differs(qGreen(colour), qGreen(expected))
+        && !differs(qBlue(colour), qBlue(expected));
+}
+
+int threads()
+{
+    return int(QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+}
+
+/** The memory, in bytes, that decoding takes at its peak. */
+qint64 memoryOf(const QByteArray& file, QPixmap* cover)
+{
+    PeakMemory::reset();
+    const qint64 before = PeakMemory::used();
+    *cover = coverPicture(file);
+    return PeakMemory::used() - before;
+}
+
+QByteArray gif(int width, int height)
+{
+    return "GIF89a" + littleEndian(quint32(width)).left(2) + littleEndian(quint32(height)).left(2)
+        + bytesOf("\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
+}
+
+} // namespace
+
+class PictureCostTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    /** Comes first: threads that another picture has started would go on. */
+    void noThreadIsStarted()
+    {
+        const QByteArray file = saved(QImage(2000, 2000, QImage::Format_ARGB32), "PNG");
+        const int before = threads();
+        QVERIFY(!coverPicture(file).isNull());
+        QCOMPARE(threads(), before);
+    }
+
+    void withinTheBoundsPicturesLoad_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::newRow("progressive, 9 megapixels") << jpeg(Progressive, {3000, 3000}, "\x22\x11\x11", 10);
+        QTest::newRow("four inks, 9 megapixels") << jpeg(Baseline, {3000, 3000}, "\x11\x11\x11\x11");
+        QTest::newRow("as many scans as may be") << jpeg(Progressive, {600, 600}, "\x11", limits::jpegScans);
+        QTest::newRow("arithmetic") << jpeg(Arithmetic, {1000, 1000}, "\x11");
+        QTest::newRow("as many remarks as may be")
+            << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "a: b").repeated(limits::jpegNotes));
+        QTest::newRow("PNG of 16 megapixels") << saved(quarters(4096, 4096), "PNG");
+        QTest::newRow("GIF of 9 megapixels") << gif(3000, 3000);
+    }
+    void withinTheBoundsPicturesLoad()
+    {
+        QFETCH(QByteArray, file);
+        QPixmap cover;
+        QVERIFY(memoryOf(file, &cover) <= limits::pictureBytes);
+        QCOMPARE(cover.size(), QSize(100, 100));
+    }
+
+    void outsideThemTheyAreNotDecoded_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::newRow("coefficients of colours at full size")
+            << jpeg(Progressive, {5790, 5790}, "\x11\x11\x11");
+        QTest::newRow("coefficients of four inks") << jpeg(Progressive, {5790, 5790}, "\x11\x11\x11\x11");
+        QTest::newRow("colours one by one") << jpeg(Baseline, {5790, 5790}, "\x11\x11\x11")
+                                                   .replace(scan(3, true, false), scan(1, true, false));
+        QTest::newRow("one scan too many") << jpeg(Progressive, {600, 600}, "\x11", limits::jpegScans + 1);
+        QTest::newRow("too many scans for the size") << jpeg(Progressive, {4000, 4000}, "\x11", 100);
+        QTest::newRow("20,000 scans") << jpeg(Progressive, {600, 600}, "\x11\x11\x11", 20000);
+        QTest::newRow("larger than any picture") << jpeg(Baseline, {65535, 65535}, "\x11");
+        QTest::newRow("arithmetic of 9 megapixels") << jpeg(Arithmetic, {3000, 3000}, "\x11");
+        QTest::newRow("too long for many scans")
+            << jpeg(Progressive, {600, 600}, "\x11", 2) + QByteArray(limits::jpegScansBytes, '\0');
+        QTest::newRow("one remark too many")
+            << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "a: b").repeated(limits::jpegNotes + 1));
+        QTest::newRow("GIF of 16 megapixels") << gif(4096, 4096);
+        QTest::newRow("XPM of many bytes")
+            << saved(QImage(60, 60, QImage::Format_RGB32), "XPM") + QByteArray(limits::textPictureBytes, ' ');
+    }
+    void outsideThemTheyAreNotDecoded()
+    {
+        QFETCH(QByteArray, file);
+        QPixmap cover;
+        QVERIFY(memoryOf(file, &cover) < 4 * MiB);
+        QVERIFY(cover.isNull());
+    }
+
+    void largerJpegsAreDecodedReduced_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::newRow("20 megapixels") << saved(quarters(5000, 4000), "JPEG");
+        QTest::newRow("24 megapixels upright") << saved(quarters(4000, 6000), "JPEG");
+        QTest::newRow("a strip") << saved(quarters(50000, 420), "JPEG");
+    }
+    void largerJpegsAreDecodedReduced()
+    {
+        QFETCH(QByteArray, file);
+        QPixmap cover;
+        QVERIFY(memoryOf(file, &cover) < 16 * MiB);
+        QCOMPARE(cover.size(), QSize(100, 100));
+        const QImage image = cover.toImage();
+        const auto sees = [&image](int x, int y, QRgb colour) { return isNear(image.pixel(x, y), colour); };
+        for (const int low : {0, 20, 46}) {
+            const int high = 99 - low;
+            QVERIFY(sees(low, low, qRgb(255, 0, 0)) && sees(high, low, qRgb(0, 255, 0)));
+            QVERIFY(sees(low, high, qRgb(0, 0, 255)) && sees(high, high, qRgb(255, 255, 255)));
+        }
+    }
+
+    void largerProgressiveJpegIsDecodedReducedToo()
+    {
+        QPixmap cover;
+        QVERIFY(memoryOf(jpeg(Progressive, {4600, 4600}, "\x22\x11\x11", 6), &cover) < 72 * MiB);
+        QCOMPARE(cover.size(), QSize(100, 100));
+    }
+
+    void fileItselfCountsAsWell()
+    {
+        const QByteArray file = jpeg(Progressive, {3200, 3200}, "\x22\x11\x11");
+        QVERIFY(!coverPicture(file).isNull());
+        const QByteArray grey = jpeg(Baseline, {4096, 4096}, "\x11\x11\x11");
+        QPixmap cover;
+        QVERIFY(memoryOf(grey, &cover) > 60 * MiB);
+        QVERIFY(!cover.isNull());
+        QVERIFY(memoryOf(grey + QByteArray(20 * MiB, '\0'), &cover) < 30 * MiB); // reduced
+        QVERIFY(!cover.isNull());
+    }
+
+    void bmpStoredFromTopToBottomLoads_data()
+    {
+        QTest::addColumn<QImage::Format>("format");
+        QTest::newRow("true colour") << QImage::Format_RGB32;
+        QTest::newRow("palette") << QImage::Format_Indexed8;
+        QTest::newRow("two colours") << QImage::Format_Mono;
+    }
+    void bmpStoredFromTopToBottomLoads()
+    {
+        QFETCH(QImage::Format, format);
+        constexpr int heightAt = 22;
+        constexpr int dataAt = 10;
+        const QImage image = quarters(64, 50).convertToFormat(format);
+        const QByteArray upward = saved(image, "BMP");
+        QByteArray downward = upward;
+        const int rows = int(qFromLittleEndian<quint32>(upward.constData() + dataAt));
+        const int rowBytes = int(upward.size() - rows) / 50;
+        for (int y = 0; y < 50; ++y)
+            downward.replace(rows + y * rowBytes, rowBytes, upward.mid(rows + (49 - y) * rowBytes, rowBytes));
+        downward.replace(heightAt, 4, littleEndian(quint32(-50)));
+        QVERIFY(!coverPicture(downward).isNull());
+        QCOMPARE(coverPicture(downward).toImage(), coverPicture(upward).toImage());
+    }
+
+    void bmpOfNoPossibleHeightDoesNot()
+    {
+        QByteArray file = saved(quarters(64, 50), "BMP");
+        file.replace(22, 4, littleEndian(0x80000000U));
+        QVERIFY(coverPicture(file).isNull());
+    }
+};
+
+VIREO_TEST_MAIN(PictureCostTest)
+#include "tst_picturecost.moc"
