@@ -102,12 +102,7 @@ void Link::exchange(const QByteArray& bytes, std::string_view text, int count)
     }
 }
 
-QByteArray packet(Command command, const QByteArray& data)
-{
-    return packetOf(quint16(command), quint16(data.size()), data);
-}
-
 QByteArray modeRequest()
 {
-    return packet(Command::Request, QByteArray(1, '\x08'));
+    return packetOf(Command::Request, wire::Request::Mode);
 }

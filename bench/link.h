@@ -25,9 +25,6 @@ private:
     int m_socket = -1;
 };
 
-/** A packet with the right length. */
-QByteArray packet(Command command, const QByteArray& data);
-
 /** The packet that asks for the mode, and the length of its answer. */
 QByteArray modeRequest();
 constexpr int modeAnswerBytes = PacketHeader::bytes + 1;

@@ -1,6 +1,5 @@
 #include "bench/panel.h"
 
-#include "bench/link.h"
 #include "protocol/paparser.h"
 
 #include <QCoreApplication>
@@ -11,11 +10,6 @@ Panel::Panel(const Bench& bench)
     qputenv("VIREO_ROOT", bench.unit.toUtf8());
     m_window.show();
     settle();
-}
-
-void Panel::receive(Command command, const QByteArray& data)
-{
-    receive(packet(command, data));
 }
 
 void Panel::settle()

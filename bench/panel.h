@@ -16,7 +16,10 @@ public:
 
     /** Takes bytes as if they came over the link. */
     void receive(const QByteArray& bytes) { m_window.stackBuff(bytes); }
-    void receive(Command command, const QByteArray& data);
+    template <typename Data> void receive(Command command, const Data& data)
+    {
+        receive(packetOf(command, data));
+    }
     /** Lets everything happen that is due, painting above all. */
     static void settle();
 

@@ -19,16 +19,16 @@ constexpr int turnMilliseconds = 3000; // of the tickers and of the setup screen
 constexpr int settleMilliseconds = 500;
 constexpr int updateMilliseconds = 150; // of the menu's strip
 
-constexpr char usb = 0x01;
-constexpr char radio = 0x08;
-constexpr char aoe = 0x10;
-constexpr char select = 0x06;
-constexpr char escape = 0x07;
-constexpr char longSelect = char(0x86);
+constexpr int usb = int(wire::Source::FrontUsb);
+constexpr int radio = int(wire::Source::Radio);
+constexpr int aoe = int(wire::Source::Aoe);
+constexpr int select = int(wire::Key::Select);
+constexpr int escape = int(wire::Key::Esc);
+constexpr int longSelect = wire::held(wire::Key::Select);
 
 struct Step {
     Command command;
-    char value;
+    int value;
 };
 
 /** A screen, how to get there from the one before, and how many timers of 3 s run on it. */
@@ -65,7 +65,7 @@ struct Activity {
 void go(Link& link, const std::vector<Step>& steps)
 {
     for (const Step& step : steps)
-        link.write(packet(step.command, QByteArray(1, step.value)));
+        link.write(packetOf(step.command, step.value));
     QThread::msleep(settleMilliseconds);
 }
 
@@ -94,7 +94,7 @@ void addScreenRows(Bench& bench, const Program& program, const Screen& screen)
 void addTurnRow(Bench& bench, const Program& program, Link& link)
 {
     const int updates = updatesOfATurn();
-    link.write(packet(Command::Encoder, QByteArray(1, 1)));
+    link.write(packetOf(Command::Encoder, 1));
     const Activity activity(program, settleMilliseconds + updates * updateMilliseconds);
     bench.table.add("wakeups, menu turned by one / its packet and due timers", "", activity.wakeups,
                     1 + updates, atMostMore(0));

@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr char usbSource = 0x01;
 constexpr quint8 levels[] = {3, 7, 40, 30, 200, 255, 90, 12, 60, 5, 120, 1, 25, 64, 16, 100};
 
 /** Bytes of which no two begin a packet. */
@@ -66,7 +65,7 @@ private:
 
 void receiveLevel(Panel& panel, quint8 level)
 {
-    panel.receive(Command::Level, QByteArray(1, char(level)));
+    panel.receive(Command::Level, int(level));
     Panel::settle();
 }
 
@@ -112,7 +111,7 @@ void addJunkRows(Bench& bench)
 void addMeterRows(Bench& bench)
 {
     Panel panel(bench);
-    panel.receive(Command::Device, QByteArray(1, usbSource));
+    panel.receive(Command::Device, wire::Source::FrontUsb);
     Panel::settle();
     BareMeter bare(panel);
     segmentsShown(panel);

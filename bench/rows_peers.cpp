@@ -21,7 +21,6 @@ constexpr quint16 lcdPort = 5073;
 constexpr int requestsInTurn = 50;
 constexpr int burstRounds = 5;
 constexpr char burstEnd = '\xFF';
-constexpr char usbSource = 0x01;
 
 double microseconds(const QElapsedTimer& clock)
 {
@@ -52,19 +51,20 @@ QByteArray mixedPackets(int count)
     for (int i = 0; i < count; ++i) {
         switch (i % 10) {
         case 0:
-            all += packet(Command::Time, QByteArray::fromHex(QByteArray::number(100000 + i / 10 % 60 + 10)));
+            all +=
+                packetOf(Command::Time, QByteArray::fromHex(QByteArray::number(100000 + i / 10 % 60 + 10)));
             break;
         case 3:
-            all += packet(Command::Key, QByteArray(1, '\x02')); // play or pause
+            all += packetOf(Command::Key, wire::Key::PlayPause); // play or pause
             break;
         case 6:
-            all += packet(Command::Mode, QByteArray(1, char(i / 10 % 16)));
+            all += packetOf(Command::Mode, i / 10 % 16);
             break;
         case 9:
-            all += packet(Command::DiskInfo, QByteArray(4, char(i / 10 % 100)));
+            all += packetOf(Command::DiskInfo, QByteArray(4, char(i / 10 % 100)));
             break;
         default:
-            all += packet(Command::Level, QByteArray(1, char(i * 37 % 255)));
+            all += packetOf(Command::Level, i * 37 % 255);
         }
     }
     return all;
@@ -228,7 +228,7 @@ void addLinkRows(Bench& bench)
     qputenv("VIREO_ROOT", bench.unit.toUtf8());
     const Program program(programPath(bench, "vireo"));
     Link panel(tcp_server::port);
-    panel.write(packet(Command::Device, QByteArray(1, usbSource)));
+    panel.write(packetOf(Command::Device, wire::Source::FrontUsb));
     addRequestRows(bench, panel);
     addBurstRows(bench, panel);
 }
@@ -240,7 +240,7 @@ void addPanelServerRows(Bench& bench)
     qputenv("VIREO_ROOT", bench.unit.toUtf8());
     const Program program(programPath(bench, "vireo"));
     Link panel(tcp_server::port);
-    panel.write(packet(Command::Device, QByteArray(1, usbSource)));
+    panel.write(packetOf(Command::Device, wire::Source::FrontUsb));
     LcdServer lcd(bench);
     addLcdRequestRow(bench, panel, lcd);
     addLcdIdleRows(bench, program, lcd);

@@ -25,7 +25,6 @@ namespace {
 constexpr int coverSide = 100;
 constexpr int coverFileBytes = 500000;
 constexpr int audioBytes = 1000000;
-constexpr char usbSource = 0x01;
 /** Where both sides decode the same picture, that is nearly all that they do: closer they cannot be told
  * apart. */
 constexpr Mark noSlower = atMostTimes(1.05);
@@ -174,7 +173,7 @@ void addTagRows(Bench& bench)
     const QString flac = flacWithCover(bench, cover);
     {
         Panel panel(bench);
-        panel.receive(Command::Device, QByteArray(1, usbSource));
+        panel.receive(Command::Device, wire::Source::FrontUsb);
         Panel::settle();
         addShownRow(bench, panel, "ID3", mp3, libraryMp3);
         addShownRow(bench, panel, "FLAC", flac, libraryFlac);

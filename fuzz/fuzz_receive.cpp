@@ -61,10 +61,10 @@ public:
     {
         // The stream may have left a header that takes what comes next for its data.
         window.stackBuff(QByteArray(2 * PacketHeader::bytes, '\xFF'));
-        window.stackBuff(packetOf(quint16(Command::UpgradeInfo), 1, "\2")
-                         + packetOf(quint16(Command::DiskStat), 1, "\3")
-                         + packetOf(quint16(Command::Device), 1, "\1")
-                         + packetOf(quint16(Command::Level), 1, QByteArray(1, '\0')).repeated(2));
+        window.stackBuff(packetOf(Command::UpgradeInfo, wire::UpgradeState::Failed)
+                         + packetOf(Command::DiskStat, wire::DiskState::Removed)
+                         + packetOf(Command::Device, wire::Source::FrontUsb)
+                         + packetOf(Command::Level, 0).repeated(2));
         settle();
         checkPlayerShows();
     }

@@ -24,34 +24,25 @@ void seed(const char* target, const QString& name, const QByteArray& bytes)
         qFatal("cannot write %s", qPrintable(file.fileName()));
 }
 
-QByteArray packet(Command command, const QByteArray& data)
-{
-    return packetOf(quint16(command), quint16(data.size()), data);
-}
-
-QByteArray packet(Command command, int value)
-{
-    return packet(command, QByteArray(1, char(value)));
-}
-
 /** Ends a chunk, with a pause behind it. */
 QByteArray pause(int length)
 {
     return "\xFF\xFE" + QByteArray(1, char(length));
 }
 
-enum Key { Select = 6, Escape = 7, LongSelect = 0x86 };
+using wire::Key;
 
-QByteArray key(Key code)
+template <typename Code> QByteArray key(Code code)
 {
-    return packet(Command::Key, code);
+    return packetOf(Command::Key, code);
 }
 
 /** Opens the menu and chooses the entry so many steps on; the strip must stand still before each. */
 QByteArray menuTo(int steps)
 {
-    const QByteArray turn = packet(Command::Encoder, steps < 0 ? -1 : 1) + pause(120);
-    return key(LongSelect) + pause(50) + turn.repeated(qAbs(steps)) + key(Select) + pause(60);
+    const QByteArray turn = packetOf(Command::Encoder, steps < 0 ? -1 : 1) + pause(120);
+    return key(wire::held(Key::Select)) + pause(50) + turn.repeated(qAbs(steps)) + key(Key::Select)
+        + pause(60);
 }
 
 void streamSeed(const QString& name, const QByteArray& bytes)
@@ -59,51 +50,57 @@ void streamSeed(const QString& name, const QByteArray& bytes)
     seed("receive", name, bytes);
 }
 
+/** Every term of every command, alone and with its flags. */
 void packetSeeds()
 {
-    struct Row {
-        const char* name;
-        Command command;
-        QByteArray values;
+    const auto one = [](const wire::CommandRow& row, int value) {
+        streamSeed(QStringLiteral("%1-%2").arg(QLatin1String(row.word)).arg(quint8(value)),
+                   packetOf(row.command, value));
     };
-    const Row rows[] = {
-        {"key", Command::Key, "\1\2\3\4\5\6\7\x81\x82\x86\x87"},
-        {"sources", Command::Device, "\1\2\4\x8\x10\x1F"},
-        {"mode", Command::Mode, bytesOf("\0\1\2\3\4\5\6\7\x8\x9\xA\xC\xD\xE")},
-        {"level", Command::Level, bytesOf("\xC8\3\0")},
-        {"disk", Command::DiskStat, "\1\3"},
-        {"upgrade", Command::UpgradeInfo, "\1\2"},
-        {"aoe", Command::AoeStat, bytesOf("\0\1\2\3")},
-    };
-    for (const Row& row : rows)
-        for (const char value : row.values)
-            streamSeed(QStringLiteral("%1-%2").arg(QLatin1String(row.name)).arg(quint8(value)),
-                       packet(row.command, value));
+    for (const wire::CommandRow& row : wire::commands) {
+        for (const wire::Term& term : row.data.terms) {
+            one(row, term.value);
+            if (row.command == Command::Key)
+                one(row, wire::held(Key(term.value)));
+            if (row.command == Command::Mode)
+                for (const int flags : {wire::repeatBit | 0, wire::shuffleBit | 0, 0xF0})
+                    one(row, term.value | flags);
+        }
+        if (row.data.number)
+            for (const int value : {row.data.least, 0, 3, row.data.most})
+                one(row, value);
+    }
     for (const char* file : {"a.mp3", "b.flac", "c.ogg", "d", "e", "missing.mp3"})
-        streamSeed(QStringLiteral("file-") + QLatin1String(file), packet(Command::Filename, file));
+        streamSeed(QStringLiteral("file-") + QLatin1String(file), packetOf(Command::Filename, file));
 }
 
 void sessionSeeds()
 {
-    const QByteArray radio = packet(Command::Device, 8) + pause(5);
+    const QByteArray radio = packetOf(Command::Device, wire::Source::Radio) + pause(5);
     const QByteArray station = QByteArray("방송").leftJustified(256, '\0') + "http://a/b";
-    const QByteArray toYes = packet(Command::Encoder, -1);
+    const QByteArray toYes = packetOf(Command::Encoder, -1);
     const QList<QByteArray> sessions = {
-        packet(Command::Time, bytesOf("\x01\x23\x45")) + packet(Command::Time, "\x03\x59"),
-        packet(Command::DiskInfo, bytesOf("\2\1\3\0")) + packet(Command::DiskStat, 3),
-        packet(Command::UpgradeInfo, 1) + packet(Command::UpgradeMsg, "half\nway 반"),
-        radio + packet(Command::IRStation, station),
-        radio + key(Select) + packet(Command::Encoder, 3) + packet(Command::Encoder, -5) + key(Select),
-        packet(Command::Device, 16) + packet(Command::AoeStat, 1) + packet(Command::AoeStat, 3),
-        menuTo(4) + key(Select) + toYes + key(Select) + pause(40) + packet(Command::MenuDhcp, 2) + pause(255),
-        packet(Command::Reserved9, "x") + packet(Command::UrlText, "url"),
+        packetOf(Command::Time, bytesOf("\x01\x23\x45")) + packetOf(Command::Time, "\x03\x59"),
+        packetOf(Command::DiskInfo, bytesOf("\2\1\3\0"))
+            + packetOf(Command::DiskStat, wire::DiskState::Removed),
+        packetOf(Command::UpgradeInfo, wire::UpgradeState::Started)
+            + packetOf(Command::UpgradeMsg, "half\nway 반"),
+        radio + packetOf(Command::IRStation, station),
+        radio + key(Key::Select) + packetOf(Command::Encoder, 3) + packetOf(Command::Encoder, -5)
+            + key(Key::Select),
+        packetOf(Command::Device, wire::Source::Aoe) + packetOf(Command::AoeStat, wire::AoeState::Playing)
+            + packetOf(Command::AoeStat, wire::AoeState::RateTooHigh),
+        menuTo(4) + key(Key::Select) + toYes + key(Key::Select) + pause(40)
+            + packetOf(Command::MenuDhcp, wire::DhcpState::Completed) + pause(255),
+        packetOf(Command::Reserved9, "x") + packetOf(Command::UrlText, "url"),
         bytesOf("\5\0\1\0") + pause(0) + "\2" + bytesOf("\xFF\5\0\3\0\x88\1\0\x40\0abc"),
     };
     for (int i = 0; i < sessions.size(); ++i)
         streamSeed(QStringLiteral("session-%1").arg(i), sessions.at(i));
     for (int steps = -2; steps <= 4; ++steps)
         streamSeed(QStringLiteral("menu-%1").arg(steps),
-                   menuTo(steps) + packet(Command::Request, 8) + key(Escape) + packet(Command::Encoder, 3));
+                   menuTo(steps) + packetOf(Command::Request, wire::Request::Mode) + key(Key::Esc)
+                       + packetOf(Command::Encoder, 3));
 }
 
 QByteArray smallImage(const char* format)

@@ -2,16 +2,30 @@
 
 #include <QtEndian>
 
-quint16 littleEndian16(const QByteArray& bytes, int offset)
+namespace {
+
+quint16 fieldAt(const QByteArray& bytes, int offset)
 {
     if (bytes.size() < offset + 2)
         return 0;
     return qFromLittleEndian<quint16>(bytes.constData() + offset);
 }
 
+} // namespace
+
 PacketHeader PacketHeader::from(const QByteArray& packet, int offset)
 {
-    return {littleEndian16(packet, offset), littleEndian16(packet, offset + 2)};
+    return {fieldAt(packet, offset), fieldAt(packet, offset + 2)};
+}
+
+QByteArray packetOf(Command command, const QByteArray& data)
+{
+    return packetOf(quint16(command), quint16(data.size()), data);
+}
+
+QByteArray packetOf(Command command, int byte)
+{
+    return packetOf(command, QByteArray(1, char(byte)));
 }
 
 QByteArray packetOf(quint16 command, quint16 length, const QByteArray& data)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/vocabulary.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMainWindow>
@@ -19,19 +21,6 @@ class tcp_server;
 namespace Ui {
 class MainWindow;
 }
-
-/** What the display answers when the supervisor asks for its mode. */
-enum class ModeCode : quint8 {
-    Menu = 0,
-    Usb = 1,
-    Aoe = 2,
-    IRList = 3,
-    IRMain = 4,
-    NetBgm = 5,
-    Setup = 6,
-    DhcpOpened = 7, ///< the DHCP choice of the setup screen is open
-    None = 255, ///< no mode was entered yet
-};
 
 /** The states of the mode machine, in the order of their table. */
 enum class ModeState {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/vocabulary.h"
+
 #include <QByteArray>
 #include <QObject>
 #include <QString>
@@ -108,6 +110,35 @@ signals:
     void sgAOE_STAT_OVER();
 
 private:
+    using Handler = void (PAparser::*)(QByteArray);
+
+    struct HandlerRow {
+        Command command;
+        Handler handler;
+    };
+
+    /** Whether there is exactly one data byte; if not, logs `message`. */
+    static bool isOneByte(const QByteArray& data, const char* message);
+
+    /** One row a command that is heard; any other is accepted and ignored. */
+    static constexpr HandlerRow handlers[] = {
+        {Command::Filename, &PAparser::parseFilename},
+        {Command::Time, &PAparser::parseTime},
+        {Command::Mode, &PAparser::parseMode},
+        {Command::Level, &PAparser::parseLevel},
+        {Command::Key, &PAparser::parseKey},
+        {Command::DiskStat, &PAparser::parseDiskStat},
+        {Command::Device, &PAparser::parseDevice},
+        {Command::IRStation, &PAparser::parseIRStationInfo},
+        {Command::DiskInfo, &PAparser::parseDiskInfo},
+        {Command::Encoder, &PAparser::parseEnc},
+        {Command::Request, &PAparser::parseRequest},
+        {Command::MenuDhcp, &PAparser::parseMenuDhcp},
+        {Command::UpgradeInfo, &PAparser::parseUpgradeInfo},
+        {Command::UpgradeMsg, &PAparser::parseUpgradeMSG},
+        {Command::AoeStat, &PAparser::parseAOE_STAT},
+    };
+
     QByteArray m_spare; // nothing uses it
     QByteArray m_lastPacket;
     quint8 m_lastLevel = 0;

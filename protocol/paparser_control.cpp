@@ -11,93 +11,88 @@ namespace {
 
 using Signal = void (PAparser::*)();
 
-struct ValueRow {
-    quint8 value;
+struct KeyRow {
+    wire::Key key;
+    Signal pressed;
+    Signal held;
+};
+
+constexpr KeyRow keys[] = {
+    {wire::Key::Stop, &PAparser::sgKEY_STOP, &PAparser::sgKEY_LONG_STOP},
+    {wire::Key::PlayPause, &PAparser::sgKEY_PLAY_PAUSE, &PAparser::sgKEY_LONG_PLAY_PAUSE},
+    {wire::Key::Prev, &PAparser::sgKEY_PREV, &PAparser::sgKEY_LONG_PREV},
+    {wire::Key::Next, &PAparser::sgKEY_NEXT, &PAparser::sgKEY_LONG_NEXT},
+    {wire::Key::Mode, &PAparser::sgKEY_MODE, &PAparser::sgKEY_LONG_MODE},
+    {wire::Key::Select, &PAparser::sgKEY_SELECT, &PAparser::sgKEY_LONG_SELECT},
+    {wire::Key::Esc, &PAparser::sgKEY_ESC, &PAparser::sgKEY_LONG_ESC},
+};
+static_assert(std::size(keys) == std::size(wire::keys), "one row a key");
+
+template <typename Code> struct ValueRow {
+    Code value;
     Signal signal;
 };
 
-constexpr ValueRow keys[] = {
-    {0x01, &PAparser::sgKEY_STOP},
-    {0x02, &PAparser::sgKEY_PLAY_PAUSE},
-    {0x03, &PAparser::sgKEY_PREV},
-    {0x04, &PAparser::sgKEY_NEXT},
-    {0x05, &PAparser::sgKEY_MODE},
-    {0x06, &PAparser::sgKEY_SELECT},
-    {0x07, &PAparser::sgKEY_ESC},
-    {0x81, &PAparser::sgKEY_LONG_STOP},
-    {0x82, &PAparser::sgKEY_LONG_PLAY_PAUSE},
-    {0x83, &PAparser::sgKEY_LONG_PREV},
-    {0x84, &PAparser::sgKEY_LONG_NEXT},
-    {0x85, &PAparser::sgKEY_LONG_MODE},
-    {0x86, &PAparser::sgKEY_LONG_SELECT},
-    {0x87, &PAparser::sgKEY_LONG_ESC},
+constexpr ValueRow<wire::DiskState> diskStates[] = {
+    {wire::DiskState::Normal, &PAparser::sgDiskStatNormal},
+    {wire::DiskState::Removed, &PAparser::sgDiskRemoved},
 };
 
-constexpr ValueRow diskStates[] = {
-    {1, &PAparser::sgDiskStatNormal},
-    {3, &PAparser::sgDiskRemoved},
+constexpr ValueRow<wire::Request> requests[] = {
+    {wire::Request::Mode, &PAparser::sgMenuRequest},
 };
 
-constexpr ValueRow requests[] = {
-    {8, &PAparser::sgMenuRequest},
+constexpr ValueRow<wire::DhcpState> dhcpStates[] = {
+    {wire::DhcpState::Completed, &PAparser::sgDHCP_CMP},
 };
 
-constexpr ValueRow dhcpStates[] = {
-    {2, &PAparser::sgDHCP_CMP},
+constexpr ValueRow<wire::UpgradeState> upgradeStates[] = {
+    {wire::UpgradeState::Started, &PAparser::sgUpgradeStart},
+    {wire::UpgradeState::Failed, &PAparser::sgUpgradeFail},
 };
 
-constexpr ValueRow upgradeStates[] = {
-    {1, &PAparser::sgUpgradeStart},
-    {2, &PAparser::sgUpgradeFail},
-};
-
-constexpr ValueRow aoeStates[] = {
-    {0, &PAparser::sgAOE_STAT_STOP},
-    {1, &PAparser::sgAOE_STAT_OK},
-    {2, &PAparser::sgAOE_STAT_FAIL},
-    {3, &PAparser::sgAOE_STAT_OVER},
+constexpr ValueRow<wire::AoeState> aoeStates[] = {
+    {wire::AoeState::Stopped, &PAparser::sgAOE_STAT_STOP},
+    {wire::AoeState::Playing, &PAparser::sgAOE_STAT_OK},
+    {wire::AoeState::Failed, &PAparser::sgAOE_STAT_FAIL},
+    {wire::AoeState::RateTooHigh, &PAparser::sgAOE_STAT_OVER},
 };
 
 struct SourceRow {
-    quint8 mask;
+    wire::Source source;
     Signal enter;
     Signal exit;
 };
 
 constexpr SourceRow sources[] = {
-    {0x01, &PAparser::sgDEVICE_USB_FRONT_Enter, &PAparser::sgDEVICE_USB_FRONT_Exit},
-    {0x02, &PAparser::sgDEVICE_USB_STREAM_Enter, &PAparser::sgDEVICE_USB_STREAM_Exit},
-    {0x04, &PAparser::sgDEVICE_AUX_Enter, &PAparser::sgDEVICE_AUX_Exit},
-    {0x08, &PAparser::sgDEVICE_IR_Enter, &PAparser::sgDEVICE_IR_Exit},
-    {0x10, &PAparser::sgDEVICE_AOE_Enter, &PAparser::sgDEVICE_AOE_Exit},
+    {wire::Source::FrontUsb, &PAparser::sgDEVICE_USB_FRONT_Enter, &PAparser::sgDEVICE_USB_FRONT_Exit},
+    {wire::Source::StreamUsb, &PAparser::sgDEVICE_USB_STREAM_Enter, &PAparser::sgDEVICE_USB_STREAM_Exit},
+    {wire::Source::Aux, &PAparser::sgDEVICE_AUX_Enter, &PAparser::sgDEVICE_AUX_Exit},
+    {wire::Source::Radio, &PAparser::sgDEVICE_IR_Enter, &PAparser::sgDEVICE_IR_Exit},
+    {wire::Source::Aoe, &PAparser::sgDEVICE_AOE_Enter, &PAparser::sgDEVICE_AOE_Exit},
 };
 
-/** Play modes by the two type bits; the fourth type has no meaning. */
+/** Play modes by their type; the fourth value of the type bits has no meaning. */
 constexpr Signal playOnce[] = {&PAparser::sgMode_One, &PAparser::sgMode_All, &PAparser::sgMode_Folder};
 constexpr Signal playRepeat[] = {&PAparser::sgMode_rpt_One, &PAparser::sgMode_rpt_All,
                                  &PAparser::sgMode_rpt_Folder};
-static_assert(std::size(playOnce) == std::size(playRepeat), "the same types with and without repeat");
-
-constexpr quint8 playTypeBits = 0x03;
-constexpr quint8 repeatBit = 0x04;
-constexpr quint8 shuffleBit = 0x08;
+static_assert(std::size(playOnce) == std::size(wire::playTypes), "one signal a type");
+static_assert(std::size(playRepeat) == std::size(wire::playTypes), "one signal a type");
 
 /** Emits the signal of the row that holds `value`; a value without a row means nothing. */
-template <std::size_t rows> void emitFor(PAparser& parser, const ValueRow (&table)[rows], quint8 value)
+template <typename Code, std::size_t rows>
+void emitFor(PAparser& parser, const ValueRow<Code> (&table)[rows], char value)
 {
-    for (const ValueRow& row : table) {
-        if (row.value == value)
+    for (const ValueRow<Code>& row : table) {
+        if (quint8(row.value) == quint8(value))
             (parser.*row.signal)();
     }
 }
 
-/** Whether there is exactly one data byte; if not, logs `message`. */
-bool isOneByte(const QByteArray& data, const char* message)
+/** One message of one item, followed by one blank, as the banner at start. */
+void reportUndefined(bool repeat)
 {
-    if (data.size() == 1)
-        return true;
-    DPRINTF(4, "%s", message);
-    return false;
+    qDebug().nospace() << (repeat ? "Undefined TYPE-Info (repeat on)" : "Undefined TYPE-Info") << " ";
 }
 
 quint8 significantBits(quint8 value)
@@ -110,19 +105,27 @@ quint8 significantBits(quint8 value)
 
 } // namespace
 
+bool PAparser::isOneByte(const QByteArray& data, const char* message)
+{
+    if (data.size() == 1)
+        return true;
+    DPRINTF(4, "%s", message);
+    return false;
+}
+
 void PAparser::parseMode(QByteArray data)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
     if (!isOneByte(data, "Mode data length shortage or over"))
         return;
     const auto mode = quint8(data.at(0));
-    const bool repeat = mode & repeatBit;
-    const std::size_t type = mode & playTypeBits;
+    const bool repeat = mode & wire::repeatBit;
+    const std::size_t type = mode & wire::playTypeBits;
     if (type < std::size(playOnce))
         (this->*(repeat ? playRepeat : playOnce)[type])();
     else
-        qDebug() << (repeat ? "Undefined TYPE-Info (repeat on)" : "Undefined TYPE-Info");
-    (mode & shuffleBit) ? emit sgMode_shuffle() : emit sgMode_off_Shuffle();
+        reportUndefined(repeat);
+    (mode & wire::shuffleBit) ? emit sgMode_shuffle() : emit sgMode_off_Shuffle();
 }
 
 void PAparser::parseLevel(QByteArray data)
@@ -141,15 +144,22 @@ void PAparser::parseLevel(QByteArray data)
 void PAparser::parseKey(QByteArray data)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    if (isOneByte(data, "Key data length shortage or over"))
-        emitFor(*this, keys, quint8(data.at(0)));
+    if (!isOneByte(data, "Key data length shortage or over"))
+        return;
+    const auto code = quint8(data.at(0));
+    for (const KeyRow& row : keys) {
+        if (code == quint8(row.key))
+            (this->*row.pressed)();
+        if (code == wire::held(row.key))
+            (this->*row.held)();
+    }
 }
 
 void PAparser::parseDiskStat(QByteArray data)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
     if (isOneByte(data, "Stat data length shortage or over"))
-        emitFor(*this, diskStates, quint8(data.at(0)));
+        emitFor(*this, diskStates, data.at(0));
 }
 
 void PAparser::parseDevice(QByteArray data)
@@ -159,7 +169,7 @@ void PAparser::parseDevice(QByteArray data)
         return;
     const auto active = quint8(data.at(0));
     for (const SourceRow& source : sources)
-        (this->*(active & source.mask ? source.enter : source.exit))();
+        (this->*(active & quint8(source.source) ? source.enter : source.exit))();
 }
 
 void PAparser::parseEnc(QByteArray data)
@@ -182,24 +192,24 @@ void PAparser::parseRequest(QByteArray data)
     if (!isOneByte(data, "Menu_Request data length shortage or over"))
         return;
     DPRINTF(1, "Request value [ %d ]", qint8(data.at(0)));
-    emitFor(*this, requests, quint8(data.at(0)));
+    emitFor(*this, requests, data.at(0));
 }
 
 void PAparser::parseMenuDhcp(QByteArray data)
 {
     if (isOneByte(data, "Menu_DHCP data length shortage or over"))
-        emitFor(*this, dhcpStates, quint8(data.at(0)));
+        emitFor(*this, dhcpStates, data.at(0));
 }
 
 void PAparser::parseUpgradeInfo(QByteArray data)
 {
     // The DHCP packet's words serve both packets.
     if (isOneByte(data, "Menu_DHCP data length shortage or over"))
-        emitFor(*this, upgradeStates, quint8(data.at(0)));
+        emitFor(*this, upgradeStates, data.at(0));
 }
 
 void PAparser::parseAOE_STAT(QByteArray data)
 {
     if (isOneByte(data, "AOE_STAT data length shortage or over"))
-        emitFor(*this, aoeStates, quint8(data.at(0)));
+        emitFor(*this, aoeStates, data.at(0));
 }

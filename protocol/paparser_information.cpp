@@ -1,6 +1,5 @@
 #include "app/dprintf.h"
 #include "app/utf8.h"
-#include "link/packet.h"
 #include "protocol/paparser.h"
 
 #include <iterator>
@@ -19,6 +18,12 @@ constexpr const char* sampleRates[] = {"16KHz", "32KHz", "44.1KHz", "48KHz"};
 quint8 byteAt(const QByteArray& data, int offset)
 {
     return offset < data.size() ? quint8(data.at(offset)) : 0;
+}
+
+/** Two bytes, the low one first. */
+int countAt(const QByteArray& data, int offset)
+{
+    return byteAt(data, offset) | byteAt(data, offset + 1) << 8;
 }
 
 /** Binary-coded decimal as "hh:mm:ss" or, blanks in the place of the hours, "  mm:ss". Digits are not
@@ -63,8 +68,8 @@ void PAparser::parseTime(QByteArray data)
 void PAparser::parseDiskInfo(QByteArray data)
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    const QString files = QStringLiteral("FILES: %1").arg(littleEndian16(data, 0));
-    const QString folders = QString::number(littleEndian16(data, 2));
+    const QString files = QStringLiteral("FILES: %1").arg(countAt(data, 0));
+    const QString folders = QString::number(countAt(data, 2));
     emit sgDiskInfo(folders, files);
 }
 

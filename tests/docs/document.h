@@ -75,6 +75,23 @@ public:
         return titles;
     }
 
+    /** The heading of this page that a cell links to; empty where there is none. */
+    QString headingOf(const QString& cell) const
+    {
+        for (const QString& heading : headings())
+            if (cell.contains(QStringLiteral("(#%1)").arg(anchorOf(heading))))
+                return heading;
+        return {};
+    }
+
+    /** The name by which a heading is linked to. */
+    static QString anchorOf(const QString& heading)
+    {
+        QString anchor = heading.toLower();
+        anchor.remove(QRegularExpression(QStringLiteral("[^\\w\\- ]")));
+        return anchor.replace(QLatin1Char(' '), QLatin1Char('-'));
+    }
+
     QString text() const { return m_lines.join(QLatin1Char('\n')); }
 
     /** What stands between backquotes. */

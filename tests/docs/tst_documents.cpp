@@ -23,19 +23,11 @@ QStringList projectFiles(const QStringList& endings)
     return found;
 }
 
-/** The name by which a heading is linked to. */
-QString anchorOf(const QString& heading)
-{
-    QString anchor = heading.toLower();
-    anchor.remove(QRegularExpression(QStringLiteral("[^\\w\\- ]")));
-    return anchor.replace(QLatin1Char(' '), QLatin1Char('-'));
-}
-
 QStringList anchors(const QString& page)
 {
     QStringList found;
     for (const QString& heading : Document(page).headings())
-        found << anchorOf(heading);
+        found << Document::anchorOf(heading);
     return found;
 }
 

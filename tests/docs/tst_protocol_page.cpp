@@ -8,6 +8,7 @@
 #include "tools/supervisor/modeanswers.h"
 #include "tools/supervisor/words.h"
 
+#include <QLabel>
 #include <QSet>
 
 namespace {
@@ -18,73 +19,6 @@ const Document& page()
     return protocol;
 }
 
-/** No default: a command without a name here does not compile. */
-QString nameOf(Command command)
-{
-    switch (command) {
-    case Command::Filename:
-        return QStringLiteral("Filename");
-    case Command::Time:
-        return QStringLiteral("Time");
-    case Command::Mode:
-        return QStringLiteral("Mode");
-    case Command::Level:
-        return QStringLiteral("Level");
-    case Command::Key:
-        return QStringLiteral("Key");
-    case Command::DiskStat:
-        return QStringLiteral("DiskStat");
-    case Command::Device:
-        return QStringLiteral("Device");
-    case Command::IRStation:
-        return QStringLiteral("IRStation");
-    case Command::Reserved9:
-        return QStringLiteral("Reserved9");
-    case Command::DiskInfo:
-        return QStringLiteral("DiskInfo");
-    case Command::Encoder:
-        return QStringLiteral("Encoder");
-    case Command::UrlText:
-        return QStringLiteral("UrlText");
-    case Command::Request:
-        return QStringLiteral("Request");
-    case Command::MenuDhcp:
-        return QStringLiteral("MenuDhcp");
-    case Command::UpgradeInfo:
-        return QStringLiteral("UpgradeInfo");
-    case Command::UpgradeMsg:
-        return QStringLiteral("UpgradeMsg");
-    case Command::AoeStat:
-        return QStringLiteral("AoeStat");
-    }
-    return {};
-}
-
-QString nameOf(ModeCode mode)
-{
-    switch (mode) {
-    case ModeCode::Menu:
-        return QStringLiteral("Menu");
-    case ModeCode::Usb:
-        return QStringLiteral("Usb");
-    case ModeCode::Aoe:
-        return QStringLiteral("Aoe");
-    case ModeCode::IRList:
-        return QStringLiteral("IRList");
-    case ModeCode::IRMain:
-        return QStringLiteral("IRMain");
-    case ModeCode::NetBgm:
-        return QStringLiteral("NetBgm");
-    case ModeCode::Setup:
-        return QStringLiteral("Setup");
-    case ModeCode::DhcpOpened:
-        return QStringLiteral("DhcpOpened");
-    case ModeCode::None:
-        return QStringLiteral("None");
-    }
-    return {};
-}
-
 QByteArray hex(const QString& digits)
 {
     return QByteArray::fromHex(digits.toLatin1());
@@ -92,7 +26,12 @@ QByteArray hex(const QString& digits)
 
 QByteArray packet(int command, const QByteArray& data)
 {
-    return packetOf(quint16(command), quint16(data.size()), data);
+    return packetOf(Command(command), data);
+}
+
+QString nameOf(int command)
+{
+    return QString::fromLatin1(wire::commands[command - firstCommand].name);
 }
 
 QByteArray saidIn(const QString& words)
@@ -124,17 +63,15 @@ QSet<QString> asSet(const QStringList& list)
     return QSet<QString>(list.begin(), list.end());
 }
 
-/** Every word of the stand-in supervisor that makes a packet, with arguments that do. */
-const QStringList samples = {
-    QStringLiteral("key stop"),   QStringLiteral("enc 1"),
-    QStringLiteral("device usb"), QStringLiteral("file README.md"),
-    QStringLiteral("time 3:07"),  QStringLiteral("level 1"),
-    QStringLiteral("disk 1 1"),   QStringLiteral("disk-state normal"),
-    QStringLiteral("mode one"),   QStringLiteral("station Title http://radio.example/"),
-    QStringLiteral("aoe ok"),     QStringLiteral("upgrade start"),
-    QStringLiteral("dhcp done"),  QStringLiteral("upgrade-message text"),
-    QStringLiteral("request"),
-};
+/** Every word of the stand-in supervisor that makes a packet, with arguments that do: the page's examples,
+ * and those whose packets are too long for a line. */
+QStringList samples()
+{
+    QStringList found = {QStringLiteral("file README.md"), QStringLiteral("station Title http://a.example/")};
+    for (const TableRow& row : page().table(QStringLiteral("Worked examples")))
+        found << Document::word(row[0]);
+    return found;
+}
 
 /** Words that stand for no packet of their own. */
 const QSet<QString> otherWords = {QStringLiteral("raw"), QStringLiteral("expect"), QStringLiteral("wait")};
@@ -220,9 +157,8 @@ private slots:
         QCOMPARE(rows.size(), int(lastCommand));
         for (int i = 0; i < rows.size(); ++i) {
             QCOMPARE(Document::number(rows[i][0]), i + firstCommand);
-            QCOMPARE(Document::word(rows[i][1]), nameOf(Command(i + firstCommand)));
+            QCOMPARE(Document::word(rows[i][1]), nameOf(i + firstCommand));
         }
-        QCOMPARE(nameOf(Command(lastCommand + 1)), QString());
     }
 
     void commandWords()
@@ -233,7 +169,7 @@ private slots:
                 written.insert(Document::word(row[2]), Document::number(row[0]));
         }
         QMap<QString, int> said;
-        for (const QString& sample : samples)
+        for (const QString& sample : samples())
             said.insert(sample.section(QLatin1Char(' '), 0, 0), PacketHeader::from(saidIn(sample)).command);
         QCOMPARE(written, said);
         QCOMPARE(asSet(said.keys()) + otherWords, supervisorWords());
@@ -279,12 +215,12 @@ private slots:
     void bytesOfOneSignal_data()
     {
         QTest::addColumn<int>("command");
-        QTest::newRow("Key codes") << int(Command::Key);
-        QTest::newRow("Disk state") << int(Command::DiskStat);
-        QTest::newRow("Request") << int(Command::Request);
-        QTest::newRow("DHCP state") << int(Command::MenuDhcp);
-        QTest::newRow("Upgrade state") << int(Command::UpgradeInfo);
-        QTest::newRow("Audio-over-Ethernet state") << int(Command::AoeStat);
+        for (const TableRow& row : page().table(QStringLiteral("Commands"))) {
+            const auto command = Command(Document::number(row[0]));
+            const bool isMadeOfBits = command == Command::Mode || command == Command::Device;
+            if (row[5] == QLatin1String("below") && !isMadeOfBits)
+                QTest::newRow(qPrintable(page().headingOf(row[4]))) << int(command);
+        }
     }
     void bytesOfOneSignal()
     {
@@ -369,27 +305,24 @@ private slots:
             LogCatcher log(4);
             signalsOf(packet(command, command == int(Command::Time) ? "x" : "xx"));
             if (!log.plain().isEmpty())
-                logged.insert(nameOf(Command(command)), log.plain().join(QLatin1Char('\n')));
+                logged.insert(nameOf(command), log.plain().join(QLatin1Char('\n')));
         }
         QCOMPARE(written, logged);
     }
 
     void modeReports()
     {
-        QMap<int, QString> written;
-        for (const TableRow& row : page().table(QStringLiteral("Mode report"))) {
-            const int code = Document::number(row[0]);
-            written.insert(code, Document::word(row[2]));
-            QCOMPARE(Document::word(row[1]), nameOf(ModeCode(code)));
-            QCOMPARE(ModeAnswers().take(hex(Document::word(row[3]))), QList<quint8>{quint8(code)});
-            QCOMPARE(hex(Document::word(row[3])), packet(int(Command::Request), QByteArray(1, char(code))));
+        const Table rows = page().table(QStringLiteral("Mode report"));
+        QCOMPARE(rows.size(), int(std::size(wire::modes)));
+        for (int i = 0; i < rows.size(); ++i) {
+            const wire::Term& mode = wire::modes[i];
+            const QByteArray report = hex(Document::word(rows[i][3]));
+            QCOMPARE(Document::number(rows[i][0]), int(mode.value));
+            QCOMPARE(Document::word(rows[i][1]), QString::fromLatin1(mode.name));
+            QCOMPARE(Document::word(rows[i][2]), modeName(mode.value));
+            QCOMPARE(report, packetOf(Command::Request, mode.value));
+            QCOMPARE(ModeAnswers().take(report), QList<quint8>{mode.value});
         }
-        QMap<int, QString> known;
-        for (int code = 0; code < 256; ++code) {
-            if (!nameOf(ModeCode(code)).isEmpty())
-                known.insert(code, modeName(quint8(code)));
-        }
-        QCOMPARE(written, known);
     }
 
     void cutting_data()
@@ -449,6 +382,29 @@ private slots:
             panel.window.stackBuff(bytes);
             QCOMPARE(modeName(quint8(panel.code())), Document::word(row[2]));
         }
+    }
+
+    void whatShows_data()
+    {
+        QTest::addColumn<QString>("words");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<QString>("text");
+        for (const TableRow& row : page().table(QStringLiteral("Worked examples"), 2))
+            QTest::newRow(qPrintable(row[0] + row[1]))
+                << Document::word(row[0]) << Document::word(row[1]) << Document::word(row[2]);
+    }
+    void whatShows()
+    {
+        QFETCH(QString, words);
+        QFETCH(QString, label);
+        QFETCH(QString, text);
+        Panel panel;
+        LogCatcher log(5);
+        panel.window.stackBuff(saidIn(QStringLiteral("device usb")));
+        panel.window.stackBuff(saidIn(words));
+        const auto* shown = panel.window.findChild<QLabel*>(label);
+        QVERIFY(shown && shown->isVisible());
+        QCOMPARE(shown->text(), text);
     }
 
     /** What the other tables name is emitted, as their tests show; so these are exactly the rest. */

@@ -47,19 +47,16 @@ public:
         m_link.write(bytes);
         m_link.waitForBytesWritten();
     }
-    void send(Command command, const QByteArray& data)
-    {
-        write(packetOf(quint16(command), quint16(data.size()), data));
-    }
+    template <typename Data> void send(Command command, const Data& data) { write(packetOf(command, data)); }
 
     /** Asks for the mode; -1 without an answer. Everything sent before is handled by then. */
     int mode(int timeoutMs = 10000)
     {
-        send(Command::Request, QByteArray(1, '\x08'));
+        send(Command::Request, wire::Request::Mode);
         if (!QTest::qWaitFor([this] { return m_link.bytesAvailable() >= 5; }, timeoutMs))
             return -1;
         const QByteArray answer = m_link.read(5);
-        return answer.startsWith(QByteArray::fromHex("0d000100")) ? int(quint8(answer.at(4))) : -1;
+        return answer.startsWith(packetOf(quint16(Command::Request), 1, {})) ? int(quint8(answer.at(4))) : -1;
     }
 
     /** Everything printed so far, a line each; the answer to mode() is printed before it arrives. */

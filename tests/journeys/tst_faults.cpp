@@ -53,18 +53,18 @@ private:
     /** A walk over screens with text, pictures and files; true when the panel still answers after it. */
     static bool livesThroughAWalk(PanelProcess& panel)
     {
-        panel.send(Command::Device, QByteArray(1, '\x01'));
+        panel.send(Command::Device, wire::Source::FrontUsb);
         panel.send(Command::Filename, song.toUtf8());
-        panel.send(Command::Level, QByteArray(1, '\xFF'));
-        for (const char source : {'\x08', '\x10'}) {
-            panel.send(Command::Device, QByteArray(1, source));
-            panel.send(Command::Key, QByteArray(1, '\x06'));
-            panel.send(Command::Key, QByteArray(1, '\x07'));
+        panel.send(Command::Level, 0xFF);
+        for (const auto source : {wire::Source::Radio, wire::Source::Aoe}) {
+            panel.send(Command::Device, source);
+            panel.send(Command::Key, wire::Key::Select);
+            panel.send(Command::Key, wire::Key::Esc);
         }
-        panel.send(Command::Key, QByteArray(1, '\x86'));
-        panel.send(Command::Encoder, QByteArray(1, '\x03'));
-        panel.send(Command::Key, QByteArray(1, '\x06'));
-        panel.send(Command::UpgradeInfo, QByteArray(1, '\x01'));
+        panel.send(Command::Key, wire::held(wire::Key::Select));
+        panel.send(Command::Encoder, 3);
+        panel.send(Command::Key, wire::Key::Select);
+        panel.send(Command::UpgradeInfo, wire::UpgradeState::Started);
         panel.send(Command::UpgradeMsg, QByteArray("Writing"));
         return panel.mode() >= 0 && panel.isRunning();
     }
@@ -96,7 +96,7 @@ private slots:
                         "[Paths]\nPlugins=" + folder.toUtf8() + "/plugins\n");
         PanelProcess panel({QStringLiteral("1")}, program);
         QVERIFY(panel.connectSupervisor());
-        panel.send(Command::Device, QByteArray(1, '\x01'));
+        panel.send(Command::Device, wire::Source::FrontUsb);
         panel.send(Command::Filename, song.toUtf8());
         QCOMPARE(panel.mode(), 1);
         QVERIFY(panel.lines().join(QLatin1Char('\n')).contains(QStringLiteral("[ Small Hours ]")));
@@ -132,7 +132,7 @@ private slots:
         UnitRoot::write(path, whole);
         PanelProcess panel({QStringLiteral("5")});
         QVERIFY(panel.connectSupervisor());
-        panel.send(Command::Device, QByteArray(1, '\x01'));
+        panel.send(Command::Device, wire::Source::FrontUsb);
 
         std::atomic<bool> done{false};
         std::thread other([&] {

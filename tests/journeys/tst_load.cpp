@@ -12,19 +12,6 @@ namespace {
 
 const QString demo = QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/");
 
-QByteArray packet(Command command, const QByteArray& data)
-{
-    return packetOf(quint16(command), quint16(data.size()), data);
-}
-
-QByteArray byte(Command command, int value)
-{
-    return packet(command, QByteArray(1, char(value)));
-}
-
-enum Key { Select = 6, Esc = 7, LongSelect = 0x86 };
-enum Source { Usb = 0x01, Radio = 0x08, Aoe = 0x10 };
-
 /** What the panel's process holds of the machine. */
 struct Footprint {
     explicit Footprint(qint64 process)
@@ -61,12 +48,12 @@ public:
     {
         QByteArray bytes;
         for (int i = 0; i < 20; ++i)
-            bytes += byte(Command::Level, int(m_random() % 256));
-        bytes += packet(Command::Time, bcd(number / 3600 % 24) + bcd(number / 60 % 60) + bcd(number % 60));
+            bytes += packetOf(Command::Level, int(m_random() % 256));
+        bytes += packetOf(Command::Time, bcd(number / 3600 % 24) + bcd(number / 60 % 60) + bcd(number % 60));
         if (number % 20 == 0)
             bytes += nextScreen();
         if (number % 60 == 0)
-            bytes += packet(Command::Filename, songs[number / 60 % songs.size()].toUtf8());
+            bytes += packetOf(Command::Filename, songs[number / 60 % songs.size()].toUtf8());
         if (number % 300 == 0)
             rewriteStations(number / 300);
         return bytes;
@@ -78,25 +65,27 @@ private:
     /** Walks over every screen. */
     QByteArray nextScreen()
     {
-        const QByteArray menu = byte(Command::Key, LongSelect);
-        const QByteArray select = byte(Command::Key, Select);
-        const auto turn = [](int steps) { return byte(Command::Encoder, steps); };
+        const QByteArray menu = packetOf(Command::Key, wire::held(wire::Key::Select));
+        const QByteArray select = packetOf(Command::Key, wire::Key::Select);
+        const auto turn = [](int steps) { return packetOf(Command::Encoder, steps); };
         const QList<QByteArray> walk = {
-            byte(Command::Device, Usb),
-            packet(Command::DiskInfo, QByteArray::fromHex("04000200"))
-                + byte(Command::Mode, int(m_random() % 16)),
+            packetOf(Command::Device, wire::Source::FrontUsb),
+            packetOf(Command::DiskInfo, QByteArray::fromHex("04000200"))
+                + packetOf(Command::Mode, int(m_random() % 16)),
             menu,
             turn(1) + turn(-1),
             select,
-            byte(Command::Device, Aoe) + byte(Command::AoeStat, int(m_random() % 4)),
-            byte(Command::Device, Radio),
-            packet(Command::IRStation, QByteArray("Station").leftJustified(256, '\0') + "http://a.example/"),
+            packetOf(Command::Device, wire::Source::Aoe) + packetOf(Command::AoeStat, int(m_random() % 4)),
+            packetOf(Command::Device, wire::Source::Radio),
+            packetOf(Command::IRStation,
+                     QByteArray("Station").leftJustified(256, '\0') + "http://a.example/"),
             select, // the station list
             turn(int(m_random() % 9) - 4),
-            m_random() % 2 ? select : byte(Command::Key, Esc),
+            m_random() % 2 ? select : packetOf(Command::Key, wire::Key::Esc),
             menu + turn(2) + select, // setup
-            byte(Command::UpgradeInfo, 1) + packet(Command::UpgradeMsg, "Writing"),
-            byte(Command::UpgradeInfo, 2) + menu + turn(-1) + select, // NetBGM
+            packetOf(Command::UpgradeInfo, wire::UpgradeState::Started)
+                + packetOf(Command::UpgradeMsg, "Writing"),
+            packetOf(Command::UpgradeInfo, wire::UpgradeState::Failed) + menu + turn(-1) + select, // NetBGM
         };
         return walk[m_step++ % walk.size()];
     }
@@ -150,7 +139,7 @@ private:
     }
     static bool isAnswered(QTcpSocket& socket)
     {
-        socket.write(byte(Command::Request, 8));
+        socket.write(packetOf(Command::Request, wire::Request::Mode));
         while (socket.bytesAvailable() < 5)
             if (!socket.waitForReadyRead(10000))
                 return false;
@@ -211,7 +200,7 @@ private slots:
         std::unique_ptr<Footprint> early;
         for (int i = 0; i < 1000; ++i) {
             auto client = connected();
-            client->write(packet(Command::Filename, QByteArray(200, 'x')).left(1 + i % 200));
+            client->write(packetOf(Command::Filename, QByteArray(200, 'x')).left(1 + i % 200));
             client->waitForBytesWritten();
             client->abort();
             if (i == 100)

@@ -12,7 +12,7 @@ constexpr int presetStations = 3;
 constexpr int userStations = 2;
 constexpr int menuEntries = 5;
 
-enum Key { Stop = 1, PlayPause, Prev, Next, Mode, Select, Esc, LongBit = 0x80 };
+using wire::Key;
 
 /** The strip of menu entries as the panel's user knows it while no time passes: a turn under way does not
  * end. */
@@ -47,15 +47,15 @@ struct MenuStrip {
 class Model {
 public:
     QString screen;
-    int code = 255;
+    ModeCode code = ModeCode::None;
 
-    void key(int key)
+    void key(int pressed)
     {
-        if (key == Select)
+        if (pressed == int(Key::Select))
             select();
-        else if (key == Esc)
+        else if (pressed == int(Key::Esc))
             escape();
-        else if (key == (Select | LongBit))
+        else if (pressed == wire::held(Key::Select))
             openMenu();
     }
 
@@ -67,11 +67,11 @@ public:
 
     void devices(int mask)
     {
-        if (mask & 0x01 && screen != usb)
+        if (mask & int(wire::Source::FrontUsb) && screen != usb)
             enterUsb();
-        if (mask & 0x08 && screen != radio)
+        if (mask & int(wire::Source::Radio) && screen != radio)
             enterRadio();
-        if (mask & 0x10 && screen != aoe)
+        if (mask & int(wire::Source::Aoe) && screen != aoe)
             enterAoe();
     }
 
@@ -84,7 +84,7 @@ private:
     const QString netBgm = QStringLiteral("wg_NetBGM");
     const QString menu = QStringLiteral("wg_Menu");
 
-    void enter(const QString& next, int nextCode)
+    void enter(const QString& next, ModeCode nextCode)
     {
         // Leaving NetBGM sets the menu's entry once more.
         if (screen == netBgm)
@@ -94,30 +94,30 @@ private:
     }
     void enterUsb()
     {
-        enter(usb, 1);
+        enter(usb, ModeCode::Usb);
         strip.set(0);
     }
     void enterAoe()
     {
-        enter(aoe, 2);
+        enter(aoe, ModeCode::Aoe);
         strip.set(1);
     }
     void enterRadio()
     {
         const bool fromList = screen == list;
-        enter(radio, 4);
+        enter(radio, ModeCode::IRMain);
         if (!fromList)
             strip.set(2);
     }
     void enterSetup()
     {
-        enter(setup, 6);
+        enter(setup, ModeCode::Setup);
         choice = dhcp;
         strip.set(4);
     }
     void enterNetBgm()
     {
-        enter(netBgm, 5);
+        enter(netBgm, ModeCode::NetBgm);
         strip.set(3);
     }
 
@@ -126,7 +126,7 @@ private:
         if (screen == list || screen == menu)
             return;
         before = screen;
-        enter(menu, 0);
+        enter(menu, ModeCode::Menu);
     }
 
     void select()
@@ -155,7 +155,7 @@ private:
     }
     void openList()
     {
-        enter(list, 3);
+        enter(list, ModeCode::IRList);
         row = channel + (category == 1 ? presetStations : 0);
     }
     void chooseStation()
@@ -169,14 +169,14 @@ private:
         if (!editing) {
             editing = true;
             saved = choice;
-            code = 7;
+            code = ModeCode::DhcpOpened;
             return;
         }
         editing = false;
         if (choice != saved)
             dhcp = choice;
         choice = dhcp;
-        code = 6;
+        code = ModeCode::Setup;
     }
 
     void escape()
@@ -188,7 +188,7 @@ private:
         else if (screen == setup && editing) {
             editing = false;
             choice = dhcp;
-            code = 6;
+            code = ModeCode::Setup;
         }
     }
     void returnFromMenu()
@@ -251,9 +251,11 @@ void furnish(const UnitRoot& unit)
 }
 
 /** The keys, those that lead to other modes more often than the rest. */
-constexpr int keys[] = {
-    Stop,         PlayPause, Prev, Next, Mode, Select, Select, Esc, Esc, Select | LongBit, Select | LongBit,
-    Esc | LongBit};
+constexpr quint8 keys[] = {
+    quint8(Key::Stop), quint8(Key::PlayPause),  quint8(Key::Prev),       quint8(Key::Next),
+    quint8(Key::Mode), quint8(Key::Select),     quint8(Key::Select),     quint8(Key::Esc),
+    quint8(Key::Esc),  wire::held(Key::Select), wire::held(Key::Select), wire::held(Key::Esc),
+};
 
 class Random {
 public:
@@ -285,7 +287,7 @@ struct Event {
             return {Command::Encoder, random.below(7) - 3};
         return {Command::Device, random.below(32)};
     }
-    QByteArray packet() const { return packetOf(quint16(command), 1, QByteArray(1, char(value))); }
+    QByteArray packet() const { return packetOf(command, value); }
     void happenIn(Model& model) const
     {
         if (command == Command::Key)
@@ -329,7 +331,7 @@ private slots:
                 + ": expected " + model.screen.toLatin1() + ", shows "
                 + panel.screens().join(QLatin1Char(' ')).toLatin1();
             QVERIFY2(panel.screens() == expected, where.constData());
-            QVERIFY2(panel.code() == model.code, where.constData());
+            QVERIFY2(panel.code() == int(model.code), where.constData());
             if (model.screen == QStringLiteral("wg_IRList"))
                 QVERIFY2(view->currentIndex().row() == model.row, where.constData());
             visited << model.screen;

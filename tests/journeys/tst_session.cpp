@@ -103,7 +103,7 @@ private slots:
         PanelProcess panel({QStringLiteral("2")});
         QVERIFY(panel.connectSupervisor());
         QCOMPARE(panel.mode(), 255);
-        panel.send(Command::Device, QByteArray(1, '\x01'));
+        panel.send(Command::Device, wire::Source::FrontUsb);
         QCOMPARE(panel.mode(), 1);
         QCOMPARE(
             m_unit.readConf(QStringLiteral("oper_mode.xml")),
@@ -112,7 +112,7 @@ private slots:
         panel.forgetLines();
         panel.send(Command::Filename, song.toUtf8() + '\0');
         panel.send(Command::Time, QByteArray::fromHex("0005"));
-        panel.send(Command::Level, QByteArray::fromHex("80"));
+        panel.send(Command::Level, 0x80);
         QCOMPARE(panel.mode(), 1);
         const QStringList lines = panel.lines();
         const QStringList expected = {
@@ -139,9 +139,9 @@ private slots:
             return loaded.open(QIODevice::ReadOnly) && loaded.readAll().contains("/imageformats/");
         };
         QVERIFY(panel.connectSupervisor());
-        panel.send(Command::Device, QByteArray(1, '\x01'));
+        panel.send(Command::Device, wire::Source::FrontUsb);
         QCOMPARE(panel.mode(), 1);
-        panel.send(Command::Key, QByteArray(1, '\x86')); // opens the menu
+        panel.send(Command::Key, wire::held(wire::Key::Select)); // opens the menu
         QCOMPARE(panel.mode(), 0);
         QVERIFY(!pluginsAreLoaded());
         panel.send(Command::Filename, song.toUtf8() + '\0');
@@ -156,10 +156,10 @@ private slots:
                          "<dns2>192.0.2.2</dns2></config>");
         PanelProcess panel({});
         QVERIFY(panel.connectSupervisor());
-        const auto key = [&panel](int code) { panel.send(Command::Key, QByteArray(1, char(code))); };
-        const int select = 6;
-        const int escape = 7;
-        const int longSelect = 0x86;
+        const auto key = [&panel](auto code) { panel.send(Command::Key, code); };
+        const auto select = wire::Key::Select;
+        const auto escape = wire::Key::Esc;
+        const auto longSelect = wire::held(select);
         key(longSelect);
         QCOMPARE(panel.mode(), 0);
         key(escape);
@@ -168,9 +168,9 @@ private slots:
         QCOMPARE(panel.mode(), 7);
         key(escape);
         QCOMPARE(panel.mode(), 6);
-        panel.send(Command::Device, QByteArray(1, '\x10'));
+        panel.send(Command::Device, wire::Source::Aoe);
         QCOMPARE(panel.mode(), 2);
-        panel.send(Command::Device, QByteArray(1, '\x08'));
+        panel.send(Command::Device, wire::Source::Radio);
         QCOMPARE(panel.mode(), 4);
         key(select);
         QCOMPARE(panel.mode(), 3);
@@ -180,12 +180,12 @@ private slots:
         QCOMPARE(panel.mode(), 4);
         // The menu stands on the radio, one turn brings NetBGM to the middle.
         key(longSelect);
-        panel.send(Command::Encoder, QByteArray(1, '\x01'));
+        panel.send(Command::Encoder, 1);
         key(select);
         QCOMPARE(panel.mode(), 5);
-        panel.send(Command::Device, QByteArray(1, '\x01'));
+        panel.send(Command::Device, wire::Source::FrontUsb);
         QCOMPARE(panel.mode(), 1);
-        panel.send(Command::Device, QByteArray(1, '\x04'));
+        panel.send(Command::Device, wire::Source::Aux);
         QCOMPARE(panel.mode(), 1);
     }
 
@@ -225,13 +225,13 @@ private slots:
         QTcpSocket newer;
         newer.connectToHost(QHostAddress::LocalHost, tcp_server::port);
         QVERIFY(newer.waitForConnected());
-        newer.write(QByteArray::fromHex("0d00010008"));
+        newer.write(packetOf(Command::Request, wire::Request::Mode));
         QVERIFY(newer.waitForReadyRead(10000));
-        QCOMPARE(newer.readAll(), QByteArray::fromHex("0d000100ff"));
+        QCOMPARE(newer.readAll(), packetOf(Command::Request, ModeCode::None));
         QCOMPARE(panel.mode(300), -1);
-        newer.write(QByteArray::fromHex("0d00010008"));
+        newer.write(packetOf(Command::Request, wire::Request::Mode));
         QVERIFY(newer.waitForReadyRead(10000));
-        QCOMPARE(newer.readAll(), QByteArray::fromHex("0d000100ff"));
+        QCOMPARE(newer.readAll(), packetOf(Command::Request, ModeCode::None));
     }
 
 private:

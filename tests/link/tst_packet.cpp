@@ -13,6 +13,14 @@ private slots:
         QCOMPARE(header.length, quint16(0xABCD));
     }
 
+    void lengthIsThatOfTheData()
+    {
+        QCOMPARE(packetOf(Command::UpgradeMsg, "abc"), QByteArray::fromHex("10000300616263"));
+        QCOMPARE(packetOf(Command::Encoder, -3), QByteArray::fromHex("0b000100fd"));
+        QCOMPARE(packetOf(Command::Key, wire::held(wire::Key::Esc)), QByteArray::fromHex("0500010087"));
+        QCOMPARE(packetOf(Command::Request, ModeCode::None), QByteArray::fromHex("0d000100ff"));
+    }
+
     void lengthIsWrittenAsGiven() { QCOMPARE(packetOf(5, 3, "a"), QByteArray::fromHex("0500030061")); }
 
     void missingFieldsReadAsZero_data()

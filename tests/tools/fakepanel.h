@@ -30,7 +30,7 @@ public:
     {
         QList<QByteArray> result;
         for (const QByteArray& packet : packets)
-            if (packet != QByteArray::fromHex("0d00010008"))
+            if (packet != packetOf(Command::Request, wire::Request::Mode))
                 result << packet;
         return result;
     }
@@ -43,11 +43,7 @@ public:
     quint8 mode = 255; ///< answered when `modes` is empty
     QList<quint8> modes; ///< answered one by one
 
-    void answer(quint8 code)
-    {
-        const char report[] = {13, 0, 1, 0, char(code)};
-        m_client->write(report, sizeof report);
-    }
+    void answer(quint8 code) { m_client->write(packetOf(Command::Request, code)); }
     void hangUp() { m_client->disconnectFromHost(); }
     void stopListening() { m_server.close(); }
     QTcpSocket* client() const { return m_client; }
@@ -86,7 +82,7 @@ private:
     void take(const QByteArray& packet)
     {
         packets << packet;
-        if (packet != QByteArray::fromHex("0d00010008"))
+        if (packet != packetOf(Command::Request, wire::Request::Mode))
             return;
         ++requests;
         if (answering)

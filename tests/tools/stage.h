@@ -32,7 +32,7 @@ struct Stage {
         QByteArray expected;
         for (const QString& line : lines)
             expected += parseWords(splitLine(line).words).action.packet;
-        const QByteArray mark = QByteArray::fromHex("0400010063"); // behind all that was sent before
+        const QByteArray mark = packetOf(Command::Level, 99); // behind all that was sent before
         emit window.findChild<FrontPanel*>()->said({QStringLiteral("level"), QStringLiteral("99")});
         const bool arrived = QTest::qWaitFor([&] { return panel.packets.contains(mark); });
         panel.packets.removeAll(mark);

@@ -189,9 +189,8 @@ private slots:
         QTest::newRow("open quote") << QByteArray("station \"A b\n")
                                     << "standard input:1: a quote is not closed";
         QTest::newRow("only the first mistake")
-            << QByteArray("expect tv\nwait x\n")
-            << "standard input:1: expect: \"tv\" is not one of menu, usb, aoe, "
-               "radio-list, radio, netbgm, setup, dhcp, none";
+            << QByteArray("level loud\nwait x\n")
+            << "standard input:1: level: \"loud\" is not a number from 0 to 255";
         QTest::newRow("negative wait")
             << QByteArray("wait -1") << "standard input:1: wait: \"-1\" is not a number from 0 to 600000";
     }

@@ -1,3 +1,4 @@
+#include "link/packet.h"
 #include "tests/support/panelmain.h"
 #include "tools/supervisor/modeanswers.h"
 #include "tools/supervisor/words.h"
@@ -181,9 +182,11 @@ private slots:
         const ParsedWords tooLong = parseWords(split(QStringLiteral("wait 600001")), Vocabulary::Script);
         QCOMPARE(tooLong.error, QStringLiteral("wait: \"600001\" is not a number from 0 to 600000"));
         const ParsedWords noMode = parseWords(split(QStringLiteral("expect tape")), Vocabulary::Script);
+        QStringList words;
+        for (const wire::Term& mode : wire::modes)
+            words << QString::fromLatin1(mode.word);
         QCOMPARE(noMode.error,
-                 QStringLiteral("expect: \"tape\" is not one of menu, usb, aoe, radio-list, radio, netbgm, "
-                                "setup, dhcp, none"));
+                 QStringLiteral("expect: \"tape\" is not one of ") + words.join(QLatin1String(", ")));
     }
 
     void expectedModes_data()
@@ -286,14 +289,16 @@ private slots:
 
     void helpListsEveryWord()
     {
-        const QString help = wordsHelp();
+        QStringList listed;
+        const QStringList lines = wordsHelp().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (int i = 0; i < lines.size(); i += 2) {
+            listed << lines[i].trimmed().section(QLatin1Char(' '), 0, 0);
+            QVERIFY(!lines[i + 1].trimmed().isEmpty());
+        }
         for (const char* word :
              {"key", "enc", "device", "file", "time", "level", "disk", "disk-state", "mode", "station", "aoe",
               "upgrade", "upgrade-message", "dhcp", "request", "raw", "expect", "wait"})
-            QVERIFY2(help.contains(QStringLiteral("\n  %1").arg(QLatin1String(word)))
-                         || help.startsWith(QStringLiteral("  %1").arg(QLatin1String(word))),
-                     word);
-        QCOMPARE(help.count(QLatin1Char('\n')), 2 * 18);
+            QVERIFY2(listed.contains(QLatin1String(word)), word);
     }
 
     void answersAreCutFromTheStream_data()

@@ -5,93 +5,33 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <cstddef>
 #include <iterator>
+#include <vector>
 
 namespace {
 
-struct Choice {
-    const char* name;
-    quint8 value;
+using wire::Term;
+using wire::Terms;
 
-    QString text() const { return QString::fromLatin1(name); }
-};
+const Term* find(const Terms& terms, const QString& word)
+{
+    const auto* found = std::find_if(terms.begin(), terms.end(),
+                                     [&](const Term& term) { return word == QLatin1String(term.word); });
+    return found == terms.end() ? nullptr : found;
+}
 
-struct Choices {
-    const Choice* first = nullptr;
-    std::size_t count = 0;
-
-    constexpr Choices() = default;
-    template <std::size_t N>
-    constexpr Choices(const Choice (&all)[N])
-        : first(all)
-        , count(N)
-    {
-    }
-    const Choice* begin() const { return first; }
-    const Choice* end() const { return first + count; }
-
-    const Choice* find(const QString& name) const
-    {
-        const auto* found = std::find_if(
-            begin(), end(), [&](const Choice& choice) { return name == QLatin1String(choice.name); });
-        return found == end() ? nullptr : found;
-    }
-    QString joined(const char* separator) const
-    {
-        QStringList names;
-        for (const Choice& choice : *this)
-            names << choice.text();
-        return names.join(QLatin1String(separator));
-    }
-};
-
-constexpr quint8 longPress = 0x80;
-constexpr quint8 askForMode = 8;
-constexpr quint8 repeatBit = 0x04;
-constexpr quint8 shuffleBit = 0x08;
-
-constexpr Choice keys[] = {
-    {"stop", 1}, {"play-pause", 2}, {"prev", 3}, {"next", 4}, {"mode", 5}, {"select", 6}, {"esc", 7},
-};
-constexpr Choice sources[] = {
-    {"usb", 0x01}, {"stream", 0x02}, {"aux", 0x04}, {"ir", 0x08}, {"aoe", 0x10}, {"none", 0x00},
-};
-constexpr Choice diskStates[] = {
-    {"normal", 1},
-    {"removed", 3},
-};
-constexpr Choice playFlags[] = {
-    {"repeat", repeatBit},
-    {"shuffle", shuffleBit},
-};
-constexpr Choice playTypes[] = {
-    {"one", 0},
-    {"all", 1},
-    {"folder", 2},
-};
-constexpr Choice aoeStates[] = {
-    {"stop", 0},
-    {"ok", 1},
-    {"fail", 2},
-    {"over", 3},
-};
-constexpr Choice upgradeSteps[] = {
-    {"start", 1},
-    {"fail", 2},
-};
-constexpr Choice dhcpSteps[] = {
-    {"done", 2},
-};
-constexpr Choice modes[] = {
-    {"menu", 0},   {"usb", 1},   {"aoe", 2},  {"radio-list", 3}, {"radio", 4},
-    {"netbgm", 5}, {"setup", 6}, {"dhcp", 7}, {"none", 255},
-};
+QString joined(const Terms& terms, const char* separator)
+{
+    QStringList words;
+    for (const Term& term : terms)
+        words << QString::fromLatin1(term.word);
+    return words.join(QLatin1String(separator));
+}
 
 /** The arguments of a word, and what they are checked against. */
 struct Call {
     QStringList values;
-    Choices choices;
+    wire::ByteData expected;
     QDir folder;
 };
 
@@ -111,9 +51,9 @@ Built byteOf(int value)
     return {QByteArray(1, char(value)), value, {}};
 }
 
-Built notAmong(const QString& value, const Choices& choices)
+Built notAmong(const QString& value, const Terms& terms)
 {
-    return failed(QStringLiteral("\"%1\" is not one of %2").arg(value, choices.joined(", ")));
+    return failed(QStringLiteral("\"%1\" is not one of %2").arg(value, joined(terms, ", ")));
 }
 
 /** A decimal number between two bounds, as the packet's byte. */
@@ -127,10 +67,13 @@ Built numberBetween(const QString& text, int least, int most)
     return byteOf(number);
 }
 
-Built oneChoice(const Call& call)
+Built oneByte(const Call& call)
 {
-    const Choice* choice = call.choices.find(call.values[0]);
-    return choice ? byteOf(choice->value) : notAmong(call.values[0], call.choices);
+    const wire::ByteData& expected = call.expected;
+    if (expected.number)
+        return numberBetween(call.values[0], expected.least, expected.most);
+    const Term* term = find(expected.terms, call.values[0]);
+    return term ? byteOf(term->value) : notAmong(call.values[0], expected.terms);
 }
 
 Built keyCode(const Call& call)
@@ -138,27 +81,19 @@ Built keyCode(const Call& call)
     const QLatin1String prefix("long-");
     const bool isLong = call.values[0].startsWith(prefix);
     const QString name = isLong ? call.values[0].mid(prefix.size()) : call.values[0];
-    const Choice* key = call.choices.find(name);
-    return key ? byteOf(key->value | (isLong ? longPress : 0)) : notAmong(call.values[0], call.choices);
-}
-
-Built encoderSteps(const Call& call)
-{
-    return numberBetween(call.values[0], -128, 127);
-}
-
-Built masterLevel(const Call& call)
-{
-    return numberBetween(call.values[0], 0, 255);
+    const Term* key = find(call.expected.terms, name);
+    if (!key)
+        return notAmong(call.values[0], call.expected.terms);
+    return byteOf(isLong ? wire::held(wire::Key(key->value)) : key->value);
 }
 
 Built sourceMask(const Call& call)
 {
     int mask = 0;
     for (const QString& name : call.values) {
-        const Choice* source = call.choices.find(name);
+        const Term* source = find(call.expected.terms, name);
         if (!source)
-            return notAmong(name, call.choices);
+            return notAmong(name, call.expected.terms);
         if (call.values.count(name) > 1)
             return failed(QStringLiteral("\"%1\" is given twice").arg(name));
         if (source->value == 0 && call.values.size() > 1)
@@ -173,16 +108,18 @@ Built playMode(const Call& call)
     int mode = 0;
     int types = 0;
     for (const QString& name : call.values) {
-        const Choice* flag = Choices(playFlags).find(name);
-        const Choice* type = Choices(playTypes).find(name);
+        const Term* flag = find(wire::playFlags, name);
+        const Term* type = find(wire::playTypes, name);
         if (!flag && !type)
-            return failed(QStringLiteral("\"%1\" is not one of repeat, shuffle, one, all, folder").arg(name));
+            return failed(QStringLiteral("\"%1\" is not one of %2, %3")
+                              .arg(name, joined(wire::playFlags, ", "), joined(wire::playTypes, ", ")));
         if (call.values.count(name) > 1)
             return failed(QStringLiteral("\"%1\" is given twice").arg(name));
         mode |= flag ? flag->value : type->value;
         types += type ? 1 : 0;
     }
-    return types == 1 ? byteOf(mode) : failed(QStringLiteral("needs one of one, all, folder"));
+    return types == 1 ? byteOf(mode)
+                      : failed(QStringLiteral("needs one of ") + joined(wire::playTypes, ", "));
 }
 
 Built filePath(const Call& call)
@@ -269,7 +206,7 @@ Built message(const Call& call)
 
 Built request(const Call&)
 {
-    return byteOf(askForMode);
+    return byteOf(int(wire::Request::Mode));
 }
 
 Built hexBytes(const Call& call)
@@ -283,8 +220,8 @@ Built hexBytes(const Call& call)
 
 Built expectedMode(const Call& call)
 {
-    Built built = oneChoice(call);
-    built.data = QByteArray(1, char(askForMode));
+    Built built = oneByte(call);
+    built.data = QByteArray(1, char(wire::Request::Mode));
     return built;
 }
 
@@ -296,47 +233,91 @@ Built milliseconds(const Call& call)
     return built;
 }
 
-/** Stands for words whose data is sent as it is, without a header. */
-constexpr Command noCommand = Command(0);
 constexpr int anyNumber = 1000;
 
-/** "%1" in the arguments stands for the names of the choices. */
-struct Word {
-    const char* name;
+/** How a command is said whose data is more than one term or number. "%1" stands for the terms. */
+struct Phrase {
+    Command command;
     const char* arguments;
     int fewest;
     int most;
-    Action::Kind kind;
-    Command command;
-    Choices choices;
     Built (*build)(const Call&);
-    const char* meaning;
 };
+
+constexpr Phrase phrases[] = {
+    {Command::Filename, "PATH", 1, 1, filePath},
+    {Command::Time, "[H:]MM:SS", 1, 1, playTime},
+    {Command::Mode, "[repeat] [shuffle] %1", 1, anyNumber, playMode},
+    {Command::Key, "[long-]%1", 1, 1, keyCode},
+    {Command::Device, "%1 ...", 1, anyNumber, sourceMask},
+    {Command::IRStation, "TITLE URL", 2, 2, station},
+    {Command::DiskInfo, "FILES FOLDERS", 2, 2, diskInfo},
+    {Command::Request, "", 0, 0, request},
+    {Command::UpgradeMsg, "TEXT", 1, 1, message},
+};
+
+/** Stands for words whose data is sent as it is, without a header. */
+constexpr Command noCommand = Command(0);
 
 using K = Action::Kind;
 
-// clang-format off
-constexpr Word words[] = {
-    {"key", "[long-]%1", 1, 1, K::Send, Command::Key, keys, keyCode, "a key of the front panel, pressed or held"},
-    {"enc", "STEPS", 1, 1, K::Send, Command::Encoder, {}, encoderSteps, "turns the encoder, to the right where positive (-128 to 127)"},
-    {"device", "%1 ...", 1, anyNumber, K::Send, Command::Device, sources, sourceMask, "the sources that are active now"},
-    {"file", "PATH", 1, 1, K::Send, Command::Filename, {}, filePath, "the file that plays now; it must exist"},
-    {"time", "[H:]MM:SS", 1, 1, K::Send, Command::Time, {}, playTime, "the play time"},
-    {"level", "NUMBER", 1, 1, K::Send, Command::Level, {}, masterLevel, "the master level (0 to 255)"},
-    {"disk", "FILES FOLDERS", 2, 2, K::Send, Command::DiskInfo, {}, diskInfo, "what the disk holds (0 to 65535 each)"},
-    {"disk-state", "%1", 1, 1, K::Send, Command::DiskStat, diskStates, oneChoice, "whether the disk is there"},
-    {"mode", "[repeat] [shuffle] one|all|folder", 1, anyNumber, K::Send, Command::Mode, {}, playMode, "the play mode"},
-    {"station", "TITLE URL", 2, 2, K::Send, Command::IRStation, {}, station, "the internet-radio station that plays"},
-    {"aoe", "%1", 1, 1, K::Send, Command::AoeStat, aoeStates, oneChoice, "the state of audio over Ethernet; over: the rate is too high"},
-    {"upgrade", "%1", 1, 1, K::Send, Command::UpgradeInfo, upgradeSteps, oneChoice, "a firmware upgrade begins or has failed"},
-    {"upgrade-message", "TEXT", 1, 1, K::Send, Command::UpgradeMsg, {}, message, "the text of the upgrade notice"},
-    {"dhcp", "%1", 1, 1, K::Send, Command::MenuDhcp, dhcpSteps, oneChoice, "an address has been obtained"},
-    {"request", "", 0, 0, K::Request, Command::Request, {}, request, "asks for the panel's mode and prints its name"},
-    {"raw", "HEX ...", 1, anyNumber, K::Send, noCommand, {}, hexBytes, "bytes as they are, header included"},
-    {"expect", "%1", 1, 1, K::Expect, Command::Request, modes, expectedMode, "(scripts) asks for the panel's mode, which must be this one"},
-    {"wait", "MS", 1, 1, K::Wait, noCommand, {}, milliseconds, "(scripts) lets milliseconds pass (at most ten minutes)"},
+struct Word {
+    QString name;
+    Phrase phrase;
+    wire::ByteData expected;
+    K kind;
+    QString meaning;
 };
-// clang-format on
+
+const Word otherWords[] = {
+    {QStringLiteral("raw"),
+     {noCommand, "HEX ...", 1, anyNumber, hexBytes},
+     {},
+     K::Send,
+     QStringLiteral("bytes as they are, header included")},
+    {QStringLiteral("expect"),
+     {Command::Request, "%1", 1, 1, expectedMode},
+     {wire::modes},
+     K::Expect,
+     QStringLiteral("(scripts) asks for the panel's mode, which must be this one")},
+    {QStringLiteral("wait"),
+     {noCommand, "MS", 1, 1, milliseconds},
+     {},
+     K::Wait,
+     QStringLiteral("(scripts) lets milliseconds pass (at most ten minutes)")},
+};
+
+Phrase phraseOf(const wire::CommandRow& row)
+{
+    const auto* own = std::find_if(std::begin(phrases), std::end(phrases),
+                                   [&](const Phrase& phrase) { return phrase.command == row.command; });
+    if (own != std::end(phrases))
+        return *own;
+    return {row.command, row.data.number ? row.data.number : "%1", 1, 1, oneByte};
+}
+
+Word wordOf(const wire::CommandRow& row)
+{
+    QString meaning = QString::fromLatin1(row.meaning);
+    if (row.data.number)
+        meaning += QStringLiteral(" (%1 to %2)").arg(row.data.least).arg(row.data.most);
+    const K kind = row.command == Command::Request ? K::Request : K::Send;
+    return {QString::fromLatin1(row.word), phraseOf(row), row.data, kind, meaning};
+}
+
+/** A word for each command that people say, and those beside them. */
+const std::vector<Word>& words()
+{
+    static const std::vector<Word> all = [] {
+        std::vector<Word> rows;
+        for (const wire::CommandRow& row : wire::commands)
+            if (row.word)
+                rows.push_back(wordOf(row));
+        rows.insert(rows.end(), std::begin(otherWords), std::end(otherWords));
+        return rows;
+    }();
+    return all;
+}
 
 bool isScriptOnly(const Word& word)
 {
@@ -345,38 +326,38 @@ bool isScriptOnly(const Word& word)
 
 QString usageOf(const Word& word)
 {
-    const QString arguments =
-        QString::fromLatin1(word.arguments).replace(QLatin1String("%1"), word.choices.joined("|"));
-    return (QLatin1String(word.name) + QLatin1Char(' ') + arguments).trimmed();
+    const QString arguments = QString::fromLatin1(word.phrase.arguments)
+                                  .replace(QLatin1String("%1"), joined(word.expected.terms, "|"));
+    return (word.name + QLatin1Char(' ') + arguments).trimmed();
 }
 
 const Word* findWord(const QString& name, Vocabulary vocabulary)
 {
-    const auto* found = std::find_if(std::begin(words), std::end(words),
-                                     [&](const Word& word) { return name == QLatin1String(word.name); });
-    if (found == std::end(words) || (vocabulary == Vocabulary::Packets && isScriptOnly(*found)))
+    const auto found =
+        std::find_if(words().begin(), words().end(), [&](const Word& word) { return name == word.name; });
+    if (found == words().end() || (vocabulary == Vocabulary::Packets && isScriptOnly(*found)))
         return nullptr;
-    return found;
+    return &*found;
 }
 
 QString wrongNumber(const Word& word, int given)
 {
-    if (given >= word.fewest && given <= word.most)
+    if (given >= word.phrase.fewest && given <= word.phrase.most)
         return {};
     return QStringLiteral("too %1 words; say: %2")
-        .arg(given < word.fewest ? QStringLiteral("few") : QStringLiteral("many"), usageOf(word));
+        .arg(given < word.phrase.fewest ? QStringLiteral("few") : QStringLiteral("many"), usageOf(word));
 }
 
 ParsedWords packed(const Word& word, const Built& built)
 {
     if (!built.error.isEmpty())
-        return {{}, QLatin1String(word.name) + QStringLiteral(": ") + built.error};
-    if (word.command == noCommand)
+        return {{}, word.name + QStringLiteral(": ") + built.error};
+    const Command command = word.phrase.command;
+    if (command == noCommand)
         return {{word.kind, built.data, built.value}, {}};
-    if (built.data.size() > 0xFFFF)
-        return {{}, QLatin1String(word.name) + QStringLiteral(": longer than a packet can be")};
-    const auto length = quint16(built.data.size());
-    return {{word.kind, packetOf(quint16(word.command), length, built.data), built.value}, {}};
+    if (built.data.size() > mostDataBytes)
+        return {{}, word.name + QStringLiteral(": longer than a packet can be")};
+    return {{word.kind, packetOf(command, built.data), built.value}, {}};
 }
 
 } // namespace
@@ -390,7 +371,8 @@ ParsedWords parseWords(const QStringList& line, Vocabulary vocabulary, const QDi
         return {{}, QStringLiteral("unknown word \"%1\"; --help lists them").arg(line[0])};
     const QStringList values = line.mid(1);
     const QString misfit = wrongNumber(*word, int(values.size()));
-    return packed(*word, misfit.isEmpty() ? word->build({values, word->choices, folder}) : failed(misfit));
+    return packed(*word,
+                  misfit.isEmpty() ? word->phrase.build({values, word->expected, folder}) : failed(misfit));
 }
 
 QByteArray modeRequest()
@@ -400,16 +382,16 @@ QByteArray modeRequest()
 
 QString modeName(quint8 code)
 {
-    for (const Choice& mode : modes)
+    for (const Term& mode : wire::modes)
         if (mode.value == code)
-            return mode.text();
+            return QString::fromLatin1(mode.word);
     return QStringLiteral("unknown (%1)").arg(code);
 }
 
 QString wordsHelp()
 {
     QString help;
-    for (const Word& word : words)
-        help += QStringLiteral("  %1\n        %2\n").arg(usageOf(word), QString::fromLatin1(word.meaning));
+    for (const Word& word : words())
+        help += QStringLiteral("  %1\n        %2\n").arg(usageOf(word), word.meaning);
     return help;
 }
