@@ -2,6 +2,7 @@
 #include "tests/journeys/panelprocess.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/unitroot.h"
+#include "tests/tags/mediabuilder.h"
 
 #include <QPainter>
 #include <QTcpServer>
@@ -232,6 +233,30 @@ private slots:
         newer.write(packetOf(Command::Request, wire::Request::Mode));
         QVERIFY(newer.waitForReadyRead(10000));
         QCOMPARE(newer.readAll(), packetOf(Command::Request, ModeCode::None));
+    }
+
+    /** As three commands run one after the other from a shell; the first keeps the panel busy. */
+    void callersInARowAllTakeEffect()
+    {
+        const QString song = m_unit.path(QStringLiteral("/song.mp3"));
+        const QByteArray cover = MediaBuilder::imageFile("PNG", 3000, 2000);
+        UnitRoot::write(song, MediaBuilder::id3v2(MediaBuilder::pictureFrame("image/png", cover)));
+        PanelProcess panel({});
+        QVERIFY(panel.connectSupervisor());
+        panel.send(Command::Device, QByteArray(1, '\x01'));
+        QCOMPARE(panel.mode(), 1);
+
+        panel.send(Command::Filename, song.toUtf8());
+        QTcpSocket second;
+        second.connectToHost(QHostAddress::LocalHost, tcp_server::port);
+        second.write(QByteArray::fromHex("0500010086"));
+        QVERIFY(second.waitForBytesWritten());
+        second.disconnectFromHost();
+        QTcpSocket third;
+        third.connectToHost(QHostAddress::LocalHost, tcp_server::port);
+        third.write(QByteArray::fromHex("0d00010008"));
+        QVERIFY(third.waitForReadyRead(10000));
+        QCOMPARE(third.readAll(), QByteArray::fromHex("0d00010000"));
     }
 
 private:
