@@ -118,13 +118,23 @@ int distance(const QImage& a, const QImage& b)
     return most;
 }
 
-int differingPixels(const QImage& a, const QImage& b)
+/** How many pixels are farther from each other than `near`. */
+int differingPixels(const QImage& a, const QImage& b, int near)
 {
     int count = 0;
     for (int y = 0; y < a.height(); ++y)
         for (int x = 0; x < a.width(); ++x)
-            count += distance(a.pixel(x, y), b.pixel(x, y)) > 64 ? 1 : 0;
+            count += distance(a.pixel(x, y), b.pixel(x, y)) > near ? 1 : 0;
     return count;
+}
+
+/** Renderers round where a stroke ends a little differently: a few pixels, by a few shades. */
+bool isSameDrawing(const QImage& a, const QImage& b)
+{
+    constexpr int shade = 4;
+    constexpr int mostShades = 16;
+    constexpr int fewPixels = 8;
+    return a.size() == b.size() && distance(a, b) <= mostShades && differingPixels(a, b, shade) <= fewPixels;
 }
 
 /** The values of an attribute wherever a drawing has it. */
@@ -137,14 +147,33 @@ QList<int> numbersOf(const QString& attribute, const QString& drawing)
     return numbers;
 }
 
-QByteArray standardOutput(const QString& program, const QStringList& arguments)
+QImage rendered(const QByteArray& drawing)
 {
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
-        qWarning("%s: %s %s", qPrintable(program), qPrintable(process.errorString()),
-                 process.readAllStandardError().constData());
-    return process.readAllStandardOutput();
+    QProcess renderer;
+    renderer.start(QStringLiteral("rsvg-convert"), QStringList());
+    renderer.write(drawing);
+    renderer.closeWriteChannel();
+    if (!renderer.waitForFinished() || renderer.exitCode() != 0)
+        qWarning("%s %s", qPrintable(renderer.errorString()), renderer.readAllStandardError().constData());
+    return QImage::fromData(renderer.readAllStandardOutput(), "PNG")
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+QByteArray drawingOf(const PanelImage& image)
+{
+    QFile file(kArt + latin(image.drawing) + QStringLiteral(".svg"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/** The drawing as often as it names strokes, each time with those of one place moved by half a pixel. */
+QList<QByteArray> withMovedStrokes(const QByteArray& drawing)
+{
+    QList<QByteArray> moved;
+    auto found = QRegularExpression(QStringLiteral("<\\w+(?=[^>]* stroke=\"(?:#|url))"))
+                     .globalMatch(QString::fromLatin1(drawing));
+    while (found.hasNext())
+        moved << QByteArray(drawing).insert(found.next().capturedEnd(), " transform=\"translate(.5 .5)\"");
+    return moved;
 }
 
 } // namespace
@@ -205,10 +234,8 @@ private slots:
     void drawingsNeedNoFontAndNoOtherFile()
     {
         QFETCH(int, row);
-        const PanelImage& image = kImages[row];
-        QFile drawing(kArt + latin(image.drawing) + QStringLiteral(".svg"));
-        QVERIFY(drawing.open(QIODevice::ReadOnly));
-        const QByteArray text = drawing.readAll();
+        const QByteArray text = drawingOf(kImages[row]);
+        QVERIFY(!text.isEmpty());
         for (const char* foreign : {"<text", "<tspan", "<image", "<style", "font-", "http://", "https://"})
             QVERIFY2(!text.mid(text.indexOf('>')).contains(foreign), foreign);
     }
@@ -218,13 +245,22 @@ private slots:
     {
         QFETCH(int, row);
         const PanelImage& image = kImages[row];
-        const QString drawing = kArt + latin(image.drawing) + QStringLiteral(".svg");
-        const QByteArray png = standardOutput(QStringLiteral("rsvg-convert"), {drawing});
-        const QImage fresh =
-            QImage::fromData(png, "PNG").convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        const QImage committed = load(image.path);
-        QCOMPARE(fresh.size(), committed.size());
-        QVERIFY(distance(fresh, committed) <= 4);
+        QVERIFY(isSameDrawing(rendered(drawingOf(image)), load(image.path)));
+    }
+
+    void movedStrokesAreAnotherDrawing_data()
+    {
+        QTest::addColumn<int>("row");
+        for (int row = 0; row < kImageCount; ++row)
+            if (!withMovedStrokes(drawingOf(kImages[row])).isEmpty())
+                QTest::newRow(kImages[row].path) << row;
+    }
+    void movedStrokesAreAnotherDrawing()
+    {
+        QFETCH(int, row);
+        const PanelImage& image = kImages[row];
+        for (const QByteArray& moved : withMovedStrokes(drawingOf(image)))
+            QVERIFY2(!isSameDrawing(rendered(moved), load(image.path)), moved.constData());
     }
 
     void wordsOfTheDrawingsAreLaidFromTheirText()
@@ -273,9 +309,7 @@ private slots:
     void lettersOfTheSlidesStandTwoStrokesApart()
     {
         QFETCH(int, row);
-        QFile drawing(kArt + latin(kImages[row].drawing) + QStringLiteral(".svg"));
-        QVERIFY(drawing.open(QIODevice::ReadOnly));
-        const QString text = QString::fromUtf8(drawing.readAll());
+        const QString text = QString::fromLatin1(drawingOf(kImages[row]));
         const QString words = text.mid(text.lastIndexOf(QLatin1String("<g ")));
         const QList<int> pens = numbersOf(QStringLiteral("stroke-width"), words);
         const QList<int> gaps = numbersOf(QStringLiteral("data-gap"), words);
@@ -327,7 +361,7 @@ private slots:
         for (const QString& mode : modes)
             for (const QString& other : modes)
                 if (mode != other)
-                    QVERIFY2(differingPixels(QImage(path.arg(mode)), QImage(path.arg(other))) > 60,
+                    QVERIFY2(differingPixels(QImage(path.arg(mode)), QImage(path.arg(other)), 64) > 60,
                              qPrintable(mode + QLatin1Char(' ') + other));
     }
 
