@@ -37,6 +37,11 @@ constexpr int networkRestartMs = 30 * 1000;
 /** how often a wait tells the service manager that the panel lives */
 constexpr int aliveMs = 1000;
 
+// texts that show
+
+/** a piece that shows holds some tens; only of characters without width are there so many to measure */
+constexpr int pieceCharacters = 4096;
+
 // the link
 
 /** kept unread of a replaced connection before its peer is held up, and unsent before it is closed */

@@ -2,10 +2,11 @@
 #include "bench/medians.h"
 #include "bench/panel.h"
 #include "screens/radiolistform.h"
-#include "widgets/ticker.h"
+#include "widgets/textpieces.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFontMetrics>
 
 #include <memory>
 
@@ -64,18 +65,26 @@ void addStationRows(Bench& bench)
     addGrowth(bench, "a station in a list", lengths, tasks);
 }
 
+void cutWhole(TextPieces pieces)
+{
+    for (int index = 0; !pieces.piece(index).isNull();)
+        ++index;
+}
+
 void addTickerRows(Bench& bench)
 {
     constexpr int width = 168; // the player's title
     const QString words = QStringLiteral("A title that somebody made very long indeed. ");
-    Ticker ticker;
-    ticker.resize(width, 16);
+    const QFontMetrics metrics{QFont()};
+    const TextRuler ruler = {[metrics](const QString& text) { return metrics.horizontalAdvance(text); },
+                             metrics.height()};
     std::vector<int> lengths;
     std::vector<Task> tasks;
     for (int length = 1000; length <= bench.effort.mostTextBytes; length *= 10) {
         const QString text = words.repeated(length / int(words.size()) + 1).left(length);
         lengths.push_back(length);
-        tasks.push_back({std::to_string(length), [&ticker, text] { ticker.setText(text, true); }});
+        tasks.push_back(
+            {std::to_string(length), [ruler, text] { cutWhole(TextPieces(text, width - 1, ruler)); }});
     }
     addGrowth(bench, "a character in a ticker text", lengths, tasks);
 }

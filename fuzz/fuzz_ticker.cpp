@@ -50,7 +50,10 @@ template <typename Label> Label& label()
 void checkPieces(const QString& text, int limit, const QFontMetrics& metrics)
 {
     const auto measure = [&metrics](const QString& part) { return metrics.horizontalAdvance(part); };
-    const QStringList pieces = cutToWidth(text, limit, {measure, metrics.height()});
+    TextPieces cutter(text, limit, {measure, metrics.height()});
+    QStringList pieces;
+    for (QString piece = cutter.piece(0); !piece.isNull(); piece = cutter.piece(int(pieces.size())))
+        pieces << piece;
     const QStringList expected = plainLoop(text, limit, metrics);
     if (pieces != expected)
         Harness::report(QStringLiteral("pieces: %1\ninstead of: %2")

@@ -51,7 +51,7 @@ QPalette listPalette(QPalette palette)
 }
 
 /**
- * Draws titles without their control characters, and leaves a row out rather than cut it: the view is not a
+ * Draws of a title what a row can hold of it, and leaves a row out rather than cut it: the view is not a
  * whole number of rows high.
  */
 class StationDelegate : public QStyledItemDelegate {
@@ -68,7 +68,7 @@ public:
     }
     QString displayText(const QVariant& title, const QLocale&) const override
     {
-        return drawableLine(title.toString());
+        return drawableText(title.toString(), rowWidth);
     }
 
 private:

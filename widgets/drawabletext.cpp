@@ -4,10 +4,9 @@
 
 namespace {
 
-template <typename Predicate> QString without(QString text, Predicate dropped)
+bool breaksLine(QChar c)
 {
-    text.truncate(int(std::remove_if(text.begin(), text.end(), dropped) - text.begin()));
-    return text;
+    return c == QLatin1Char('\n') || c == QChar::LineSeparator;
 }
 
 bool isBox(QChar c)
@@ -15,19 +14,18 @@ bool isBox(QChar c)
     return c.category() == QChar::Other_Control && c != QLatin1Char('\n') && c != QLatin1Char('\t');
 }
 
-bool isBoxOrBreak(QChar c)
-{
-    return isBox(c) || c == QLatin1Char('\n') || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
-}
-
 } // namespace
 
-QString drawableText(const QString& text)
+QString drawableText(const QString& text, int width)
 {
-    return without(text, isBox);
+    QString drawn = text.left(width);
+    drawn.truncate(int(std::remove_if(drawn.begin(), drawn.end(), isBox) - drawn.begin()));
+    return drawn;
 }
 
-QString drawableLine(const QString& text)
+Qt::Alignment placeOf(const QString& text, Qt::Alignment alignment)
 {
-    return without(text, isBoxOrBreak);
+    if (std::none_of(text.begin(), text.end(), breaksLine))
+        return alignment;
+    return (alignment & Qt::AlignHorizontal_Mask) | Qt::AlignTop;
 }

@@ -3,10 +3,11 @@
 #include <QString>
 
 /**
- * What is drawn of a text from outside: the text without its control characters, for which the panel's face
- * has boxes with their names. Tags often end in a zero character. Line breaks and tabs stay.
+ * What a label `width` pixels wide draws of a text from outside: no more characters than it has pixels
+ * across, and none of the control characters, for which the panel's face has boxes with their names. Tags
+ * often end in a zero character. Line breaks and tabs stay.
  */
-QString drawableText(const QString& text);
+QString drawableText(const QString& text, int width);
 
-/** The same for a label of one line: without line breaks too. */
-QString drawableLine(const QString& text);
+/** Where a label draws a text: lines that follow the first one do not push it out of the label. */
+Qt::Alignment placeOf(const QString& text, Qt::Alignment alignment);

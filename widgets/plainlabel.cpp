@@ -5,12 +5,6 @@
 #include <QPainter>
 #include <QStyle>
 
-namespace {
-
-constexpr int mostOfABlank = 5; // pixels; less than three are hard to see as a blank
-
-} // namespace
-
 PlainLabel::PlainLabel(QWidget* parent)
     : QLabel(parent)
 {
@@ -19,45 +13,17 @@ PlainLabel::PlainLabel(QWidget* parent)
     ensurePolished();
 }
 
-void PlainLabel::paintEvent(QPaintEvent* event)
+/** As the toolkit draws a label, which would lay out the whole text, however long. */
+void PlainLabel::paintEvent(QPaintEvent*)
 {
-    const QString drawable = drawableText(text());
-    const bool oneLine = drawableLine(drawable) == drawable;
-    const bool tooWide = oneLine && fontMetrics().horizontalAdvance(drawable) > contentsRect().width();
-    if (tooWide)
-        drawFitted(drawable);
-    else if (oneLine && drawable == text())
-        QLabel::paintEvent(event);
-    else
-        drawAs(drawable, font());
-}
-
-/** A line that misses its place by little takes what it misses from its blanks; else its end is left out. */
-void PlainLabel::drawFitted(const QString& line)
-{
-    const int room = contentsRect().width();
-    const int missing = fontMetrics().horizontalAdvance(line) - room;
-    const int blanks = int(line.count(QLatin1Char(' ')));
-    QFont font = this->font();
-    if (missing <= blanks * mostOfABlank)
-        font.setWordSpacing(-(missing + blanks - 1) / blanks);
-    drawAs(QFontMetrics(font, this).elidedText(line, Qt::ElideRight, room), font);
-}
-
-void PlainLabel::drawAs(const QString& text, const QFont& font)
-{
-    const bool leftToRight = !text.isRightToLeft();
-    const QFontMetrics metrics(font, this);
-    QRect box = contentsRect();
-    Qt::Alignment place =
-        QStyle::visualAlignment(leftToRight ? Qt::LeftToRight : Qt::RightToLeft, alignment());
-    if (place.testFlag(Qt::AlignVCenter) && metrics.size(0, text).height() > box.height()) {
-        box.setTop(box.top() + (box.height() - metrics.height()) / 2);
-        place.setFlag(Qt::AlignVCenter, false).setFlag(Qt::AlignTop);
-    }
-    const int flags = int(place) | (leftToRight ? Qt::TextForceLeftToRight : Qt::TextForceRightToLeft);
+    const QRect box = contentsRect();
+    const QString drawn = drawableText(text(), box.width());
+    const bool rightToLeft = drawn.isRightToLeft();
+    const Qt::Alignment place =
+        QStyle::visualAlignment(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight, placeOf(drawn, alignment()));
+    const int direction = rightToLeft ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
     QPainter painter(this);
-    painter.setFont(font);
     drawFrame(&painter);
-    style()->drawItemText(&painter, box, flags, palette(), isEnabled(), text, foregroundRole());
+    style()->drawItemText(&painter, box, int(place) | direction | Qt::TextExpandTabs, palette(), isEnabled(),
+                          drawn, foregroundRole());
 }

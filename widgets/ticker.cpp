@@ -1,7 +1,6 @@
 #include "widgets/ticker.h"
 
 #include "widgets/drawabletext.h"
-#include "widgets/textpieces.h"
 
 #include <QPainter>
 #include <QTimerEvent>
@@ -26,11 +25,11 @@ void Ticker::setText(const QString& text, bool run)
     updateGeometry();
     if (!text.isEmpty()) {
         const QFontMetrics metrics = fontMetrics();
-        const auto measure = [&metrics](const QString& part) { return metrics.horizontalAdvance(part); };
-        m_pieces = cutToWidth(text, width() - 1, {measure, metrics.height()});
-        m_shown = m_pieces.value(0);
+        const auto measure = [metrics](const QString& part) { return metrics.horizontalAdvance(part); };
+        m_pieces = TextPieces(text, width() - 1, {measure, metrics.height()});
+        m_shown = m_pieces.piece(0);
     }
-    if (m_pieces.size() >= 2)
+    if (!m_pieces.piece(1).isNull())
         m_severalPieces = true;
 }
 
@@ -46,10 +45,11 @@ QSize Ticker::sizeHint() const
 
 void Ticker::paintEvent(QPaintEvent*)
 {
-    const int pixels = fontMetrics().horizontalAdvance(m_shown);
+    const QString drawn = drawableText(m_shown, width());
+    const Qt::Alignment place = placeOf(drawn, Qt::AlignLeft | Qt::AlignVCenter);
+    const int pixels = fontMetrics().horizontalAdvance(drawn);
     if (pixels > 0)
-        QPainter(this).drawText(QRect(0, 0, pixels, height()), Qt::AlignLeft | Qt::AlignVCenter,
-                                drawableLine(m_shown));
+        QPainter(this).drawText(QRect(0, 0, pixels, height()), int(place), drawn);
 }
 
 void Ticker::timerEvent(QTimerEvent* event)
@@ -60,9 +60,9 @@ void Ticker::timerEvent(QTimerEvent* event)
     }
     if (!m_severalPieces)
         return;
-    if (++m_index >= m_pieces.size())
+    if (m_pieces.piece(++m_index).isNull())
         m_index = 0;
-    m_shown = m_pieces.value(m_index);
+    m_shown = m_pieces.piece(m_index);
     update();
 }
 

@@ -1,15 +1,16 @@
 #pragma once
 
+#include "widgets/textpieces.h"
+
 #include <QString>
-#include <QStringList>
 #include <QWidget>
 
 /**
  * A label for texts longer than it is wide.
  *
- * The text is cut into pieces that each fit the width the label has at that moment; while the label is
- * visible it shows them one after the other, turning every 3000 ms. Where not even one character fits,
- * nothing is shown.
+ * The text is cut into pieces that each fit the width and the font that the label has when it is set; while
+ * the label is visible it shows them one after the other, turning every 3000 ms. Where not even one character
+ * fits, nothing is shown.
  */
 class Ticker : public QWidget {
     Q_OBJECT
@@ -32,7 +33,7 @@ protected:
 private:
     QString m_text;
     QString m_shown;
-    QStringList m_pieces;
+    TextPieces m_pieces;
     qint32 m_index = 0;
     qint32 m_timerId = 0;
     bool m_run = false;

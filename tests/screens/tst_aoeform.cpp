@@ -220,17 +220,22 @@ private slots:
         QVERIFY(!screen.grab().isNull());
     }
 
-    void theLineBreakDoesNotPushTheRateOutOfItsLabel()
+    void theLineBreakShowsAsInALabelOfTheToolkitWithItsFirstLineWhole()
     {
         const Unit unit;
         AOEForm screen;
         QWidget& label = *Screen::widget(screen, QStringLiteral("lb_aoe_sample_rate"));
-        UnitRoot::write(unit.sampleRate(), "48000");
-        screen.AoeInfoFromXML();
-        const QImage alone = Screen::drawn(label);
+        QLabel plain;
+        plain.setStyleSheet(label.styleSheet());
+        plain.setFont(label.font());
+        plain.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        plain.resize(label.size());
+        plain.setText(QStringLiteral("48000\n"));
         UnitRoot::write(unit.sampleRate(), "48000\n");
         screen.AoeInfoFromXML();
-        QCOMPARE(Screen::drawn(label), alone);
+        QCOMPARE(Screen::drawn(label), Screen::drawn(plain));
+        plain.setText(QStringLiteral("48000"));
+        QCOMPARE(Screen::drawn(label), Screen::drawn(plain));
     }
 
     void aLineWithoutEndIsNotReadToTheEnd()
