@@ -81,7 +81,7 @@ private slots:
         QVERIFY(count(panel, "receive cmd[0005] length[0001]") == 2); // that key and the one at the end
     }
 
-    /** Ten times what is lost some of when nobody waits for an answer. */
+    /** Enough that dozens would be lost if a fast sender did not wait for answers. */
     void packetsInStepArriveAll()
     {
         UnitRoot unit;
