@@ -2,6 +2,7 @@
 
 #include "app/dprintf.h"
 #include "app/limits.h"
+#include "app/servicemanager.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -15,6 +16,16 @@ constexpr qint64 anyNumberOfBytes = 0;
 bool isConnected(const QTcpSocket& socket)
 {
     return socket.state() == QAbstractSocket::ConnectedState;
+}
+
+/** The address and port of the other end; one of the fourth version as such. */
+QByteArray nameOf(const QTcpSocket& socket)
+{
+    bool isVersion4 = false;
+    const QHostAddress address(socket.peerAddress().toIPv4Address(&isVersion4));
+    const QString text = isVersion4 ? address.toString()
+                                    : QLatin1Char('[') + socket.peerAddress().toString() + QLatin1Char(']');
+    return text.toLatin1() + ':' + QByteArray::number(socket.peerPort());
 }
 
 /** Appends a socket to a list that holds so many at most; the oldest goes. */
@@ -78,9 +89,17 @@ void tcp_server::serveArrived()
         m_client = m_arrived.takeFirst();
         m_client->setReadBufferSize(anyNumberOfBytes);
         connect(m_client, &QTcpSocket::readyRead, this, &tcp_server::recv_message);
+        connect(m_client, &QTcpSocket::disconnected, this, &tcp_server::tellServiceManager);
+        tellServiceManager();
         if (m_client->bytesAvailable() > 0)
             receiveWaiting();
     }
+}
+
+/** Names the peer that is served, while it is there. */
+void tcp_server::tellServiceManager()
+{
+    ServiceManager::sayPeer(isConnected(*m_client) ? "supervisor " + nameOf(*m_client) : "no supervisor");
 }
 
 /** Reads what the kernel holds for the current peer now, as a burst of its own. */

@@ -58,6 +58,7 @@ public slots:
 private:
     void serveArrived();
     void receiveWaiting();
+    void tellServiceManager();
     void retire(QTcpSocket* socket);
     void releaseGoneReplaced();
     void write(const QByteArray& packet);

@@ -130,6 +130,7 @@ private:
     void consumeFront();
     bool writeOpermode(const QString& type);
     void writeGatheredOpermode();
+    void tellServiceManager() const;
 
     Ui::MainWindow* ui;
     tcp_server* m_server = nullptr;

@@ -51,6 +51,7 @@ void MainWindow::drain()
     m_draining = false;
     m_received.remove(0, m_consumed);
     m_consumed = 0;
+    tellServiceManager();
     if (m_moreToDrain)
         goOnInTheNextTurn();
     else if (m_longDrain)

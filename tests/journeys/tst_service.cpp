@@ -39,6 +39,30 @@ private slots:
         QVERIFY(panel.isRunning());
     }
 
+    void statusNamesTheModeAndWhoIsServed()
+    {
+        NotifySocket manager(socketPath());
+        UnitRoot unit;
+        PanelProcess panel({QStringLiteral("5")});
+        QList<QByteArray> said;
+        const auto isSaid = [&](const QByteArray& status) {
+            return QTest::qWaitFor([&] { return (said += manager.received()).contains("STATUS=" + status); },
+                                   20000);
+        };
+        QVERIFY(isSaid("Mode none; no supervisor"));
+        QVERIFY(panel.connectSupervisor());
+        const QByteArray peer = "supervisor 127.0.0.1:" + QByteArray::number(panel.link().localPort());
+        QVERIFY(isSaid("Mode none; " + peer));
+        panel.send(Command::Device, QByteArray(1, '\x01'));
+        QVERIFY(isSaid("Mode usb; " + peer));
+        QTcpSocket newer;
+        newer.connectToHost(QHostAddress::LocalHost, tcp_server::port);
+        QVERIFY(newer.waitForConnected());
+        QVERIFY(isSaid("Mode usb; supervisor 127.0.0.1:" + QByteArray::number(newer.localPort())));
+        newer.disconnectFromHost();
+        QVERIFY(isSaid("Mode usb; no supervisor"));
+    }
+
     void notReadyWhileThePortIsTaken()
     {
         NotifySocket manager(socketPath());
