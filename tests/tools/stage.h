@@ -5,6 +5,7 @@
 #include "tools/supervisor/encoderknob.h"
 #include "tools/supervisor/frontpanel.h"
 #include "tools/supervisor/keybutton.h"
+#include "tools/supervisor/noticepanels.h"
 #include "tools/supervisor/script.h"
 
 #include <QLabel>
@@ -18,12 +19,12 @@ struct Stage {
     {
         window.show();
         window.activateWindow();
-        panel.mode = 1;
+        panel.mode = 5; // of no source
     }
 
     bool isUp()
     {
-        return QTest::qWaitFor([this] { return text("mode") == QLatin1String("Mode: usb"); });
+        return QTest::qWaitFor([this] { return text("mode") == QLatin1String("Mode: netbgm"); });
     }
 
     /** Whether the panel has received these words and nothing else but questions for the mode. */
@@ -33,7 +34,7 @@ struct Stage {
         for (const QString& line : lines)
             expected += parseWords(splitLine(line).words).action.packet;
         const QByteArray mark = packetOf(Command::Level, 99); // behind all that was sent before
-        emit window.findChild<FrontPanel*>()->said({QStringLiteral("level"), QStringLiteral("99")});
+        emit window.findChild<SystemPanel*>()->said({QStringLiteral("level"), QStringLiteral("99")});
         const bool arrived = QTest::qWaitFor([&] { return panel.packets.contains(mark); });
         panel.packets.removeAll(mark);
         const QByteArray heard = panel.packetsButRequests().join();

@@ -209,7 +209,7 @@ private slots:
         QVERIFY(stage.isUp());
         SupervisorWindow second(QStringLiteral("127.0.0.1"), stage.panel.port());
         const auto* mode = WindowHand::child<QLabel>(second, "mode");
-        QTRY_COMPARE(mode->text(), QStringLiteral("Mode: usb"));
+        QTRY_COMPARE(mode->text(), QStringLiteral("Mode: netbgm"));
         QVERIFY(stage.asksInVain());
         for (int i = 0; i < 20; ++i) {
             fire(stage.timer("answer"));

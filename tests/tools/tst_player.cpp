@@ -6,6 +6,7 @@
 #include "tools/supervisor/script.h"
 #include "tools/supervisor/tracklength.h"
 
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 /** A player whose tracks last three seconds each, and all that it says, one line a packet. */
@@ -304,70 +305,27 @@ private slots:
         QCOMPARE(playTimeText(24 * 3600 * 1000), QStringLiteral("24:00:00"));
     }
 
-    void trackLengths_data()
+    void tracksOfUnknownLengthPlayThreeMinutes()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("length");
-        const auto hex = [](const char* digits) { return QByteArray::fromHex(digits); };
-        // 128 kbit/s at 44.1 kHz: 16 bytes a millisecond
-        QTest::newRow("MP3 by its bit rate") << "a.mp3" << hex("fffb9064") + QByteArray(31996, 'x') << 2000;
-        QTest::newRow("MP3 behind a tag") << "a.mp3"
-                                          << hex("49443303000000000104") + QByteArray(132, '\xFF')
-                + hex("fffb9064") + QByteArray(15996, 'x')
-                                          << 1000;
-        QTest::newRow("MP3 version 2 at 16 kHz")
-            << "a.MP3" << hex("fff34864") + QByteArray(3996, 'x') << 1000;
-        QTest::newRow("MP3 with a frame count")
-            << "a.mp3" << hex("fffb9064") + QByteArray(32, '\0') + "Xing" + hex("0000000100000064") << 2612;
-        QTest::newRow("MP3 with a count of nothing")
-            << "a.mp3" << hex("fffb9064") + QByteArray(32, '\0') + "Info" + hex("0000000000000064") << 3;
-        QTest::newRow("FLAC") << "a.flac"
-                              << "fLaC" + hex("80000022") + QByteArray(10, '\0') + hex("0ac442f00000ac44")
-                              << 1000;
-        QTest::newRow("FLAC without a sample rate")
-            << "a.flac"
-            << "fLaC" + hex("80000022") + QByteArray(10, '\0') + hex("000002f00000ac44") << unknownTrackMs;
-        QTest::newRow("FLAC cut short") << "a.flac" << QByteArray("fLaC") << unknownTrackMs;
-        QTest::newRow("Ogg") << "a.ogg"
-                             << QByteArray("\x01vorbis")
-                + hex("00000000"
-                      "02"
-                      "80bb0000")
-                + "OggS"
-                + hex("0004"
-                      "00ee020000000000")
-                             << 4000;
-        QTest::newRow("Ogg without a page behind")
-            << "a.ogg" << QByteArray("\x01vorbis") + hex("000000000280bb0000") << unknownTrackMs;
-        QTest::newRow("Ogg with an endless position")
-            << "a.ogg"
-            << QByteArray("\x01vorbis") + hex("000000000280bb0000") + "OggS" + hex("0004ffffffffffffffff")
-            << unknownTrackMs;
-        QTest::newRow("no headers at all") << "a.mp3" << QByteArray(1000, 'x') << unknownTrackMs;
-        QTest::newRow("reserved bit rate") << "a.mp3" << hex("fffbf064") << unknownTrackMs;
-        QTest::newRow("tag larger than the file")
-            << "a.mp3" << hex("494433030000007f7f7f7f") << unknownTrackMs;
-        QTest::newRow("empty") << "a.ogg" << QByteArray() << unknownTrackMs;
-        QTest::newRow("longer than a day") << "a.flac"
-                                           << "fLaC" + hex("80000022") + QByteArray(10, '\0')
-                + hex("0ac442ff"
-                      "ffffffff") << 24 * 3600 * 1000;
-    }
-    void trackLengths()
-    {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, bytes);
-        QFETCH(int, length);
         QTemporaryDir dir;
-        UnitRoot::write(dir.filePath(name), bytes);
-        QCOMPARE(trackLengthMs(dir.filePath(name)), length);
+        const QString path = dir.filePath(QStringLiteral("-noise.mp3"));
+        UnitRoot::write(path, QByteArray(1000, 'x'));
+        QCOMPARE(trackLengthMs(path), 3 * 60 * 1000);
+        const QByteArray programs = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(dir.path()));
+        const int withoutTheProgram =
+            trackLengthMs(QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/music/sunset-walk.flac"));
+        qputenv("PATH", programs);
+        QCOMPARE(withoutTheProgram, 3 * 60 * 1000);
     }
 
     void lengthsOfTheDemoMusic()
     {
         const QString music = QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/music/");
-        QCOMPARE(trackLengthMs(music + QStringLiteral("morning-corridor.mp3")), 8100); // 225 frames
+        if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
+            QSKIP("ffprobe is not installed");
+        const int frames = trackLengthMs(music + QStringLiteral("morning-corridor.mp3"));
+        QVERIFY2(qAbs(frames - 8000) < 200, qPrintable(QString::number(frames))); // padded to whole frames
         QCOMPARE(trackLengthMs(music + QStringLiteral("sunset-walk.flac")), 6000);
         QCOMPARE(trackLengthMs(music + QStringLiteral("evening/quiet-hall.ogg")), 7000);
         QCOMPARE(trackLengthMs(music + QStringLiteral("missing.mp3")), unknownTrackMs);

@@ -2,11 +2,14 @@
 #include "tests/tools/stage.h"
 #include "tests/tools/supervisorrun.h"
 #include "tools/supervisor/commandline.h"
+#include "tools/supervisor/lampswitch.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QTabBar>
 #include <QTabWidget>
 
 class WindowTest : public QObject {
@@ -34,26 +37,34 @@ private slots:
         QTRY_COMPARE(stage.text("mode"), QStringLiteral("Mode: none"));
     }
 
-    void sourceSwitches()
+    void sourceOfARunningPanelIsTakenOver()
+    {
+        Stage stage;
+        stage.panel.mode = 1;
+        QTRY_COMPARE(stage.text("mode"), QStringLiteral("Mode: usb"));
+        QVERIFY(stage.child<LampSwitch>("usb")->isChecked());
+        QVERIFY(stage.hears("device usb"));
+    }
+
+    void sourceLightsSwitchSources()
     {
         Stage stage;
         QVERIFY(stage.isUp());
-        stage.child<QCheckBox>("usb")->click();
+        stage.child<LampSwitch>("usb")->click();
         QVERIFY(stage.hears("device usb"));
-        stage.child<QCheckBox>("stream")->click();
+        stage.child<LampSwitch>("stream")->click();
         QVERIFY(stage.hears("device usb stream"));
-        stage.child<QCheckBox>("aoe")->click();
-        stage.child<QCheckBox>("usb")->click();
-        stage.child<QCheckBox>("stream")->click();
-        QVERIFY(stage.hears({QStringLiteral("device usb stream aoe"), QStringLiteral("device stream aoe"),
-                             QStringLiteral("device aoe")}));
-        stage.child<QCheckBox>("ir")->click();
-        stage.child<QCheckBox>("aux")->click();
-        QVERIFY(stage.hears({QStringLiteral("device ir aoe"), QStringLiteral("device aux ir aoe")}));
-        for (const char* name : {"aux", "ir", "aoe"})
-            stage.child<QCheckBox>(name)->click();
+        stage.child<LampSwitch>("aoe")->click(); // has a screen, as USB has: it takes its place
+        QVERIFY(stage.hears("device stream aoe"));
+        QVERIFY(!stage.child<LampSwitch>("usb")->isChecked());
+        stage.child<LampSwitch>("aux")->click();
+        stage.child<LampSwitch>("ir")->click();
+        QVERIFY(
+            stage.hears({QStringLiteral("device stream aux aoe"), QStringLiteral("device stream aux ir")}));
+        for (const char* name : {"stream", "aux", "ir"})
+            stage.child<LampSwitch>(name)->click();
         QVERIFY(stage.hears(
-            {QStringLiteral("device ir aoe"), QStringLiteral("device aoe"), QStringLiteral("device none")}));
+            {QStringLiteral("device aux ir"), QStringLiteral("device ir"), QStringLiteral("device none")}));
     }
 
     void diskIsInsertedPlayedAndEjected()
@@ -78,8 +89,13 @@ private slots:
         QTest::mouseClick(stage.child<KeyButton>("stop"), Qt::LeftButton);
         QVERIFY(stage.hears({QStringLiteral("key stop"), QStringLiteral("time 0:00:00")}));
         QTest::mouseClick(stage.child<QPushButton>("eject"), Qt::LeftButton);
-        QVERIFY(stage.hears({QStringLiteral("key stop"), QStringLiteral("disk-state removed")}));
+        QVERIFY(stage.hears({QStringLiteral("key stop"), QStringLiteral("disk-state removed"),
+                             QStringLiteral("time 0:00:00")}));
         QCOMPARE(stage.child<QListWidget>("tracks")->count(), 0);
+        QCOMPARE(stage.child<QPushButton>("eject")->text(), QStringLiteral("Insert"));
+        QTest::mouseClick(stage.child<QPushButton>("eject"), Qt::LeftButton);
+        QVERIFY(stage.hears(Stage::diskLines().mid(1))); // its source is on
+        QCOMPARE(stage.child<QPushButton>("eject")->text(), QStringLiteral("Eject"));
     }
 
     void timeAndLevelRunWhilePlaying()
@@ -116,9 +132,10 @@ private slots:
         QVERIFY(stage.isUp());
         stage.openDemoMusic();
         QVERIFY(stage.hears(Stage::diskLines()));
-        stage.child<QCheckBox>("usb")->click();
+        stage.child<LampSwitch>("usb")->click();
         QTest::mouseClick(stage.child<KeyButton>("play-pause"), Qt::LeftButton);
-        QVERIFY(stage.hears({QStringLiteral("device none"), QStringLiteral("key play-pause")}));
+        QVERIFY(stage.hears({QStringLiteral("device none"), QStringLiteral("key play-pause"),
+                             QStringLiteral("key stop")})); // the panel took it for a start
         QCOMPARE(stage.text("state"), QStringLiteral("Stopped"));
     }
 
@@ -129,7 +146,7 @@ private slots:
         stage.openDemoMusic();
         QTest::mouseClick(stage.child<KeyButton>("play-pause"), Qt::LeftButton);
         QCOMPARE(stage.text("state"), QStringLiteral("Playing"));
-        stage.child<QCheckBox>("usb")->click();
+        stage.child<LampSwitch>("usb")->click();
         QCOMPARE(stage.text("state"), QStringLiteral("Stopped"));
         QVERIFY(!stage.timer("tick")->isActive());
     }
@@ -212,16 +229,15 @@ private slots:
         QVERIFY(stage.isUp());
         stage.child<QPushButton>("aoe ok")->click();
         QVERIFY(!stage.timer("tick")->isActive()); // its source is off
-        stage.child<QCheckBox>("aoe")->click();
+        stage.child<LampSwitch>("aoe")->click();
         stage.child<QPushButton>("aoe ok")->click();
         QVERIFY(stage.timer("tick")->isActive());
         stage.child<QPushButton>("aoe fail")->click();
         QVERIFY(!stage.timer("tick")->isActive());
-        stage.child<QCheckBox>("ir")->click();
+        stage.child<LampSwitch>("ir")->click();
         stage.child<QPushButton>("announce")->click();
         QVERIFY(stage.timer("tick")->isActive());
-        stage.child<QCheckBox>("aoe")->click();
-        stage.child<QCheckBox>("ir")->click();
+        stage.child<LampSwitch>("ir")->click();
         QVERIFY(!stage.timer("tick")->isActive());
     }
 
@@ -261,6 +277,24 @@ private slots:
             if (qobject_cast<QAbstractButton*>(control) && (control->focusPolicy() & Qt::TabFocus))
                 QVERIFY2(reached.contains(control), qPrintable(control->objectName()));
         QVERIFY(stage.knob()->focusPolicy() & Qt::TabFocus);
+    }
+
+    void everyControlHasANameToBeReadOut()
+    {
+        Stage stage;
+        int controls = 0;
+        for (QWidget* widget : stage.window.findChildren<QWidget*>()) {
+            const bool isPart = widget->objectName().startsWith(QLatin1String("qt_"));
+            if (!(widget->focusPolicy() & Qt::TabFocus) || isPart)
+                continue;
+            const auto* interface = QAccessible::queryAccessibleInterface(widget);
+            QVERIFY(interface);
+            const QByteArray what = widget->metaObject()->className() + (" " + widget->objectName().toUtf8());
+            const bool isTabs = qobject_cast<QTabBar*>(widget) || qobject_cast<QTabWidget*>(widget);
+            QVERIFY2(isTabs || !interface->text(QAccessible::Name).isEmpty(), what.constData());
+            ++controls;
+        }
+        QVERIFY(controls > 30);
     }
 
     void commandLineGivesThePlace()

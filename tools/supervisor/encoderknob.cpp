@@ -1,5 +1,7 @@
 #include "tools/supervisor/encoderknob.h"
 
+#include "tools/supervisor/look.h"
+
 #include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
@@ -32,6 +34,11 @@ int stepsOf(int key)
 bool isPressKey(int key)
 {
     return key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Select;
+}
+
+QRectF squareOf(double radius)
+{
+    return {-radius, -radius, 2 * radius, 2 * radius};
 }
 
 /** The shorter way between two angles, -180 to 180 degrees. */
@@ -165,13 +172,13 @@ double EncoderKnob::angleOf(const QPoint& position) const
     return qRadiansToDegrees(std::atan2(fromMiddle.x(), -fromMiddle.y()));
 }
 
+/** Whole pixels, so that turning does not shake the edge. */
 QRectF EncoderKnob::face() const
 {
-    constexpr int margin = 4;
-    constexpr int largest = 220;
-    const int side = qMin(qMin(width(), height()) - 2 * margin, largest);
+    constexpr int margin = 2;
+    const int side = (qMin(width(), height()) - 2 * margin) / 2 * 2;
     QRectF square(0, 0, side, side);
-    square.moveCenter(QRectF(rect()).center());
+    square.moveCenter(QRectF(rect()).center().toPoint());
     return square;
 }
 
@@ -180,35 +187,73 @@ void EncoderKnob::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(face().center());
-    paintNotches(painter);
-    paintCap(painter);
+    const double radius = face().width() / 2;
+    paintNotches(painter, radius);
+    if (hasFocus())
+        Look::paintFocus(painter, squareOf(radius * 0.885), radius * 0.885);
+    paintSkirt(painter, radius * 0.84);
+    paintCap(painter, radius * (m_down ? 0.68 : 0.7));
 }
 
-void EncoderKnob::paintNotches(QPainter& painter) const
+/** The detent that the mark stands on is lit, and its neighbours faintly. */
+void EncoderKnob::paintNotches(QPainter& painter, double radius) const
 {
-    const double radius = face().width() / 2;
     painter.save();
-    painter.setPen(QPen(palette().color(QPalette::Mid), 2, Qt::SolidLine, Qt::RoundCap));
     for (int notch = 0; notch < stepsPerTurn; ++notch) {
-        painter.drawLine(QPointF(0, -radius + 1), QPointF(0, -radius * 0.93));
+        const int away = qAbs(int(std::remainder(notch - m_step, stepsPerTurn)));
+        const QColor colour = away == 0 ? QColor(Look::lit)
+            : away == 1                 ? QColor(Look::lit).darker(200)
+                                        : QColor(Look::edge);
+        painter.setPen(QPen(colour, qMax(1.5, radius / 50), Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(0, -radius * 0.98), QPointF(0, -radius * 0.92));
         painter.rotate(stepDegrees);
     }
     painter.restore();
 }
 
-void EncoderKnob::paintCap(QPainter& painter) const
+/** The grip: ribs all round, which turn with the knob. */
+void EncoderKnob::paintSkirt(QPainter& painter, double radius) const
 {
-    const double radius = face().width() / 2 * 0.84;
-    const QColor edge = palette().color(hasFocus() ? QPalette::Highlight : QPalette::Dark);
-    const QColor base = palette().color(QPalette::Button);
-    QLinearGradient shade(0, -radius, 0, radius);
-    shade.setColorAt(0, m_down ? base.darker(115) : base.lighter(112));
-    shade.setColorAt(1, m_down ? base.darker(105) : base.darker(112));
-    painter.setBrush(shade);
-    painter.setPen(QPen(edge, hasFocus() ? 3 : 2));
-    painter.drawEllipse(QPointF(0, 0), radius, radius);
-    painter.rotate(m_step * stepDegrees);
+    constexpr int ribs = 72;
+    QRadialGradient shadow(QPointF(0, radius * 0.06), radius * 1.06);
+    shadow.setColorAt(0.9, QColor(0, 0, 0, 200));
+    shadow.setColorAt(1, Qt::transparent);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(palette().color(isEnabled() ? QPalette::Highlight : QPalette::Mid));
-    painter.drawEllipse(QPointF(0, -radius * 0.74), radius * 0.09, radius * 0.09);
+    painter.setBrush(shadow);
+    painter.drawEllipse(QPointF(0, radius * 0.06), radius * 1.06, radius * 1.06);
+    QLinearGradient metal(0, -radius, 0, radius);
+    metal.setColorAt(0, QColor(0x4A, 0x52, 0x57));
+    metal.setColorAt(1, QColor(0x14, 0x17, 0x19));
+    painter.setBrush(metal);
+    painter.drawEllipse(QPointF(0, 0), radius, radius);
+    painter.save();
+    painter.rotate(m_step * stepDegrees);
+    painter.setPen(QPen(QColor(0, 0, 0, 150), radius / 40, Qt::SolidLine, Qt::FlatCap));
+    for (int rib = 0; rib < ribs; ++rib) {
+        painter.drawLine(QPointF(0, -radius), QPointF(0, -radius * 0.88));
+        painter.rotate(360.0 / ribs);
+    }
+    painter.restore();
+}
+
+/** The turned face: light from above lies on it in two fans, and only its mark turns. */
+void EncoderKnob::paintCap(QPainter& painter, double radius) const
+{
+    QConicalGradient spun(0, 0, 90);
+    constexpr double fans[] = {0, 0.5, 1};
+    constexpr double shadows[] = {0.22, 0.36, 0.64, 0.78};
+    for (const double at : fans)
+        spun.setColorAt(at, QColor(0x5A, 0x63, 0x69));
+    for (const double at : shadows)
+        spun.setColorAt(at, QColor(0x23, 0x28, 0x2B));
+    painter.setBrush(spun);
+    painter.setPen(QPen(QColor(Look::ground), qMax(1.5, radius / 40)));
+    painter.drawEllipse(QPointF(0, 0), radius, radius);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QColor(255, 255, 255, 40), 1));
+    painter.drawEllipse(QPointF(0, 0), radius * 0.96, radius * 0.96);
+    painter.rotate(m_step * stepDegrees);
+    painter.setPen(
+        QPen(QColor(isEnabled() ? Look::lit : Look::edge), radius * 0.08, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(QPointF(0, -radius * 0.84), QPointF(0, -radius * 0.52));
 }

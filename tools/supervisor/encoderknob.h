@@ -44,8 +44,9 @@ private:
     void pressEnd(bool counts);
     double angleOf(const QPoint& position) const;
     QRectF face() const;
-    void paintNotches(QPainter& painter) const;
-    void paintCap(QPainter& painter) const;
+    void paintNotches(QPainter& painter, double radius) const;
+    void paintSkirt(QPainter& painter, double radius) const;
+    void paintCap(QPainter& painter, double radius) const;
 
     LongPress m_press;
     int m_step = 0; // the detent that the mark stands on

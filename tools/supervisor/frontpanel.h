@@ -4,35 +4,51 @@
 #include <QStringList>
 #include <QWidget>
 
+class EncoderKnob;
 class QAbstractButton;
 
-/** The unit's own controls: the encoder, the seven keys and the source switches. */
+/**
+ * The unit's front: the encoder between the source lights and the seven keys, on a plate. Where it is narrow
+ * the keys stand below.
+ */
 class FrontPanel : public QWidget {
     Q_OBJECT
 
 public:
     explicit FrontPanel(QWidget* parent = nullptr);
 
-    bool hasSource(const QString& source) const;
-    void switchSource(const QString& source, bool on);
+    /** Shows which sources are active; says nothing. */
+    void showSources(const QStringList& active);
 
-    /** The `device` words of the sources that are switched on. */
-    QStringList deviceWords() const;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
 
 signals:
-    /** What the panel must hear of what was done here. */
-    void said(const QStringList& words);
+    /** The encoder was turned; to the right, or by negative steps to the left. */
+    void turned(int steps);
     void keyPressed(const QString& key, bool isLong);
-    void sourcesChanged();
+    void sourceSwitched(const QString& source, bool on);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
-    void sayKey(const QString& key, bool isLong);
-    void sayTurn(int steps);
-    void saySources();
-    QWidget* createKnob();
-    QWidget* createKeys();
-    QWidget* createSources();
-    QAbstractButton* switchOf(const QString& source) const;
+    void createKnob();
+    void createKeys();
+    void createSources();
+    bool isWide(int width) const;
+    int headHeight() const;
+    int knobSide() const;
+    QRect inside() const;
+    void placeWide(const QRect& room);
+    void placeNarrow(const QRect& room);
+    void placeKnobAndSources(const QRect& room);
 
-    QList<QAbstractButton*> m_sources; // in the order of the table of sources
+    EncoderKnob* m_knob = nullptr;
+    QWidget* m_keys = nullptr;
+    QWidget* m_sources = nullptr;
+    QList<QAbstractButton*> m_lights;
 };

@@ -2,6 +2,7 @@
 #include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/commandline.h"
 #include "tools/supervisor/display.h"
+#include "tools/supervisor/look.h"
 #include "tools/supervisor/script.h"
 #include "tools/supervisor/supervisorwindow.h"
 
@@ -27,12 +28,12 @@ int runWindow(int& argc, char** argv, const CommandLine& commandLine)
     DisplayGuard display("vireo-supervisor");
     QApplication application(argc, argv);
     display.release();
+    Look::dress(application);
     QApplication::setApplicationDisplayName(QStringLiteral("Vireo supervisor"));
     SupervisorWindow window(commandLine.host, commandLine.port);
     if (!commandLine.music.isEmpty())
         window.openMusic(commandLine.music);
-    if (commandLine.place)
-        window.move(*commandLine.place);
+    window.fitToScreen(commandLine.place);
     window.show();
     return QApplication::exec();
 }

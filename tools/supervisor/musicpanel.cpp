@@ -1,9 +1,9 @@
 #include "tools/supervisor/musicpanel.h"
 
+#include "tools/supervisor/lampswitch.h"
 #include "tools/supervisor/musicfolder.h"
 #include "tools/supervisor/playermodel.h"
 
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
@@ -15,6 +15,9 @@
 #include <QPushButton>
 
 namespace {
+
+constexpr int margin = 6;
+constexpr int leastLevelWidth = 40;
 
 /** In the order of PlayerModel::Scope. */
 constexpr const char* scopeCaptions[] = {
@@ -29,13 +32,6 @@ constexpr const char* stateCaptions[] = {
     QT_TRANSLATE_NOOP("MusicPanel", "Playing"),
     QT_TRANSLATE_NOOP("MusicPanel", "Paused"),
 };
-
-QLabel* labelFor(const QString& text, QWidget* buddy)
-{
-    auto* label = new QLabel(text);
-    label->setBuddy(buddy);
-    return label;
-}
 
 QWidget* row(std::initializer_list<QWidget*> widgets)
 {
@@ -54,11 +50,13 @@ MusicPanel::MusicPanel(PlayerModel& player, QWidget* parent)
     , m_player(player)
 {
     auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(margin, margin, margin, margin);
     layout->addWidget(createFolderRow());
     layout->addWidget(createTrackList(), 1);
-    layout->addWidget(createModeRow());
     layout->addWidget(createStateRow());
+    layout->addWidget(createModeRow());
     connect(&player, &PlayerModel::changed, this, &MusicPanel::showPlayer);
+    showDisk();
     showPlayer();
 }
 
@@ -66,29 +64,26 @@ QWidget* MusicPanel::createFolderRow()
 {
     m_folder = new QLineEdit;
     m_folder->setObjectName(QStringLiteral("folder"));
+    m_folder->setAccessibleName(tr("Folder of music"));
     m_folder->setPlaceholderText(tr("A folder of MP3, FLAC or Ogg files"));
     auto* chooseButton = new QPushButton(tr("Ch&oose…"));
-    auto* ejectButton = new QPushButton(tr("E&ject"));
-    ejectButton->setObjectName(QStringLiteral("eject"));
+    chooseButton->setToolTip(tr("Looks for a folder of music"));
     connect(m_folder, &QLineEdit::returnPressed, this, [this] { open(m_folder->text()); });
     connect(chooseButton, &QPushButton::clicked, this, &MusicPanel::choose);
-    connect(ejectButton, &QPushButton::clicked, this, &MusicPanel::eject);
-    return row({labelFor(tr("&Folder:"), m_folder), m_folder, chooseButton, ejectButton});
+    return row({m_folder, chooseButton});
 }
 
 QWidget* MusicPanel::createTrackList()
 {
+    constexpr int leastRows = 3;
     m_tracks = new QListWidget;
     m_tracks->setObjectName(QStringLiteral("tracks"));
+    m_tracks->setAccessibleName(tr("Tracks"));
     m_tracks->setUniformItemSizes(true);
+    m_tracks->setMinimumHeight(leastRows * (fontMetrics().height() + 4));
     m_tracks->setToolTip(tr("Enter or a double click plays a track"));
     connect(m_tracks, &QListWidget::itemActivated, this, &MusicPanel::playRow);
-    auto* result = new QWidget;
-    auto* layout = new QVBoxLayout(result);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(labelFor(tr("Trac&ks:"), m_tracks));
-    layout->addWidget(m_tracks);
-    return result;
+    return m_tracks;
 }
 
 QWidget* MusicPanel::createModeRow()
@@ -98,20 +93,24 @@ QWidget* MusicPanel::createModeRow()
     for (const char* caption : scopeCaptions)
         scope->addItem(tr(caption));
     scope->setCurrentIndex(int(PlayerModel::Scope::All));
-    auto* repeat = new QCheckBox(tr("&Repeat"));
+    scope->setAccessibleName(tr("What is played"));
+    auto* repeat = new LampSwitch(tr("&Repeat"));
     repeat->setObjectName(QStringLiteral("repeat"));
-    auto* shuffle = new QCheckBox(tr("Shuff&le"));
+    auto* shuffle = new LampSwitch(tr("Shuff&le"));
     shuffle->setObjectName(QStringLiteral("shuffle"));
     connect(scope, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &MusicPanel::setScope);
     connect(repeat, &QCheckBox::toggled, &m_player, &PlayerModel::setRepeat);
     connect(shuffle, &QCheckBox::toggled, &m_player, &PlayerModel::setShuffle);
-    QWidget* result = row({labelFor(tr("Ran&ge:"), scope), scope, repeat, shuffle});
+    QWidget* result = row({scope, repeat, shuffle});
     static_cast<QHBoxLayout*>(result->layout())->addStretch();
     return result;
 }
 
 QWidget* MusicPanel::createStateRow()
 {
+    m_disk = new QPushButton;
+    m_disk->setObjectName(QStringLiteral("eject"));
+    connect(m_disk, &QPushButton::clicked, this, &MusicPanel::ejectOrInsert);
     m_state = new QLabel;
     m_state->setObjectName(QStringLiteral("state"));
     m_time = new QLabel;
@@ -119,8 +118,9 @@ QWidget* MusicPanel::createStateRow()
     m_level = new QProgressBar;
     m_level->setRange(0, 255);
     m_level->setTextVisible(false);
+    m_level->setMinimumWidth(leastLevelWidth);
     m_level->setAccessibleName(tr("Level"));
-    return row({m_state, m_time, m_level});
+    return row({m_disk, m_state, m_time, m_level});
 }
 
 void MusicPanel::choose()
@@ -143,13 +143,23 @@ void MusicPanel::open(const QString& folder)
     emit inserted();
 }
 
-void MusicPanel::eject()
+/** The folder that was ejected stays named, so that the same button brings it back. */
+void MusicPanel::ejectOrInsert()
 {
-    if (m_player.tracks().isEmpty())
+    if (m_player.tracks().isEmpty()) {
+        open(m_folder->text());
         return;
+    }
     m_player.setTracks({});
     showTracks();
     emit removed();
+}
+
+void MusicPanel::showDisk()
+{
+    m_disk->setText(m_player.tracks().isEmpty() ? tr("Insert") : tr("Eject"));
+    m_disk->setShortcut(QKeySequence(Qt::ALT | Qt::Key_J));
+    m_disk->setToolTip(tr("The disk in the unit's USB port (Alt+J)"));
 }
 
 void MusicPanel::setScope(int index)
@@ -169,6 +179,7 @@ void MusicPanel::showTracks()
     m_tracks->clear();
     for (const QString& path : m_player.tracks())
         m_tracks->addItem(absolute.relativeFilePath(path));
+    showDisk();
     showPlayer();
 }
 

@@ -7,6 +7,7 @@ class QLabel;
 class QLineEdit;
 class QListWidget;
 class QProgressBar;
+class QPushButton;
 
 /** The disk in the unit's USB port: a folder of music, how it is played, and what plays. */
 class MusicPanel : public QWidget {
@@ -31,7 +32,8 @@ private:
     QWidget* createTrackList();
     QWidget* createStateRow();
     void choose();
-    void eject();
+    void ejectOrInsert();
+    void showDisk();
     void setScope(int index);
     void playRow();
     void showPlayer();
@@ -39,6 +41,7 @@ private:
 
     PlayerModel& m_player;
     QLineEdit* m_folder = nullptr;
+    QPushButton* m_disk = nullptr;
     QListWidget* m_tracks = nullptr;
     QLabel* m_state = nullptr;
     QLabel* m_time = nullptr;

@@ -64,7 +64,13 @@ RadioPanel::RadioPanel(QWidget* parent)
 
 void RadioPanel::announce()
 {
-    emit said({QStringLiteral("station"), m_title->text(), m_url->text()});
+    emit announced({m_title->text(), m_url->text()});
+}
+
+void RadioPanel::showStation(const Station& station)
+{
+    m_title->setText(station.name);
+    m_url->setText(station.url);
 }
 
 AoePanel::AoePanel(QWidget* parent)

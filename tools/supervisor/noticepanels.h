@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/supervisor/station.h"
+
 #include <QStringList>
 #include <QWidget>
 
@@ -12,8 +14,10 @@ class RadioPanel : public QWidget {
 public:
     explicit RadioPanel(QWidget* parent = nullptr);
 
+    void showStation(const Station& station);
+
 signals:
-    void said(const QStringList& words);
+    void announced(const Station& station);
 
 private:
     void announce();

@@ -40,7 +40,7 @@ public:
     /** Another caller has the link. */
     bool isReplaced() const { return m_replaced; }
     /** A question has no answer yet: what the last one said may be over. */
-    bool isAsking() const { return m_asked; }
+    bool isAsking() const { return m_asked || m_askAgain; }
     QString address() const;
 
     /** Sends one packet at once; false when there is no link, or when it is another's. */

@@ -1,38 +1,30 @@
 #include "tools/supervisor/supervisorwindow.h"
 
+#include "config/unitpaths.h"
 #include "tools/supervisor/frontpanel.h"
+#include "tools/supervisor/linkbar.h"
 #include "tools/supervisor/musicpanel.h"
 #include "tools/supervisor/noticepanels.h"
+#include "tools/supervisor/place.h"
 #include "tools/supervisor/script.h"
 #include "tools/supervisor/tracklength.h"
 #include "tools/supervisor/words.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRandomGenerator>
 #include <QScopedValueRollback>
-#include <QSplitter>
-#include <QStatusBar>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 namespace {
 
 constexpr int logLines = 500;
-
-/** What keys do to the player, beside being told to the panel. */
-struct PlayerKey {
-    const char* word;
-    void (PlayerModel::*act)();
-};
-
-constexpr PlayerKey playerKeys[] = {
-    {"stop", &PlayerModel::stop},
-    {"play-pause", &PlayerModel::playPause},
-    {"prev", &PlayerModel::previous},
-    {"next", &PlayerModel::next},
-};
+constexpr QSize panelSize(320, 240); // device pixels of its own
 
 /** Words that come many times while something plays: not logged, and not followed by a question. */
 bool isRunningValue(const QStringList& words)
@@ -40,61 +32,117 @@ bool isRunningValue(const QStringList& words)
     return words[0] == QLatin1String("level") || words[0] == QLatin1String("time");
 }
 
+/** What is larger than its place is scrolled, and whatever gets the focus comes into sight. */
+QScrollArea* scrolled(QWidget* content)
+{
+    auto* area = new QScrollArea;
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(content);
+    return area;
+}
+
+/** Tabs that take what the front leaves; the pages scroll. */
+class Drawer : public QTabWidget {
+public:
+    QSize sizeHint() const override { return minimumSizeHint(); }
+    QSize minimumSizeHint() const override
+    {
+        constexpr int leastLines = 9;
+        return {0, leastLines * fontMetrics().height()};
+    }
+};
+
+/** The panel's size in the pixels of a window that scales by `ratio`; it scales by this variable alone. */
+QSize panelSizeFor(double ratio)
+{
+    bool isNumber = false;
+    const double factor = qEnvironmentVariable("QT_SCALE_FACTOR").toDouble(&isNumber);
+    return (QSizeF(panelSize) * (isNumber ? factor : 1) / ratio).toSize();
+}
+
 } // namespace
 
 SupervisorWindow::SupervisorWindow(const QString& host, quint16 port, QWidget* parent)
-    : QMainWindow(parent)
+    : QWidget(parent)
     , m_link(host, port, this)
     , m_player(trackLengthMs, QRandomGenerator::global()->generate(), this)
+    , m_unit(
+          m_player, [] { return readStation(unitPath(UnitPath::Radio)); }, this)
     , m_tick(this)
 {
     setWindowTitle(tr("Vireo supervisor"));
-    m_front = new FrontPanel;
-    auto* sides = new QSplitter(Qt::Vertical);
-    sides->setChildrenCollapsible(false);
-    sides->addWidget(createTabs());
-    sides->addWidget(createLog());
-    sides->setStretchFactor(0, 2);
-    sides->setStretchFactor(1, 1);
-    auto* central = new QWidget;
-    auto* columns = new QHBoxLayout(central);
-    columns->addWidget(m_front, 2);
-    columns->addWidget(sides, 3);
-    setCentralWidget(central);
-    createStatusBar();
-    connectPlayer();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(scrolled(createUnit()), 1);
+    layout->addWidget(createLinkBar());
+    connectUnit();
     connectLink();
-    resize(900, 560);
     m_front->setFocus();
 }
 
 void SupervisorWindow::openMusic(const QString& folder)
 {
-    const QSignalBlocker quietFront(m_front);
-    const QSignalBlocker quietMusic(m_music);
-    m_front->switchSource(QStringLiteral("usb"), true);
+    const QSignalBlocker quiet(&m_unit);
     m_music->open(folder);
+    m_front->showSources(m_unit.sources());
 }
 
-QWidget* SupervisorWindow::createTabs()
+QSize SupervisorWindow::sizeHint() const
+{
+    const int line = fontMetrics().height();
+    return {line * 52, line * 40};
+}
+
+void SupervisorWindow::fitToScreen(const std::optional<QPoint>& corner)
+{
+    const QScreen* where = screen();
+    const int border = 2 * style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+    const QSize frame(border, border + style()->pixelMetric(QStyle::PM_TitleBarHeight));
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const QSize least(m_front->minimumSizeHint().width() + bar, m_front->minimumSizeHint().height());
+    QRect place = placeBeside(panelSizeFor(where->devicePixelRatio()), where->availableGeometry(),
+                              sizeHint() + frame, least + frame);
+    if (corner)
+        place.moveTopLeft(*corner);
+    resize(place.size() - frame);
+    move(place.topLeft());
+}
+
+QWidget* SupervisorWindow::createUnit()
+{
+    constexpr int margin = 6;
+    m_front = new FrontPanel;
+    auto* unit = new QWidget;
+    auto* layout = new QVBoxLayout(unit);
+    layout->setContentsMargins(margin, margin, margin, 0);
+    layout->addWidget(m_front);
+    layout->addWidget(createTabs(), 1);
+    return unit;
+}
+
+QTabWidget* SupervisorWindow::createTabs()
 {
     m_music = new MusicPanel(m_player);
-    auto* radio = new RadioPanel;
+    m_radio = new RadioPanel;
     auto* aoe = new AoePanel;
     auto* system = new SystemPanel;
-    auto* tabs = new QTabWidget;
-    tabs->addTab(m_music, tr("Musi&c"));
-    tabs->addTab(radio, tr("Ra&dio station"));
-    tabs->addTab(aoe, tr("Et&hernet audio"));
-    tabs->addTab(system, tr("S&ystem"));
-    connect(m_front, &FrontPanel::said, this, &SupervisorWindow::say);
-    connect(m_front, &FrontPanel::keyPressed, this, &SupervisorWindow::act);
-    connect(m_front, &FrontPanel::sourcesChanged, this, &SupervisorWindow::followSources);
-    connect(m_music, &MusicPanel::inserted, this, &SupervisorWindow::insertDisk);
-    connect(m_music, &MusicPanel::removed, this, &SupervisorWindow::removeDisk);
+    auto* tabs = new Drawer;
+    tabs->addTab(scrolled(m_music), tr("Musi&c"));
+    tabs->addTab(scrolled(m_radio), tr("Ra&dio"));
+    tabs->addTab(scrolled(aoe), tr("Et&h"));
+    tabs->addTab(scrolled(system), tr("S&ystem"));
+    tabs->addTab(createLog(), tr("Sent"));
+    tabs->setUsesScrollButtons(false);
+    tabs->setElideMode(Qt::ElideRight);
+    connect(m_music, &MusicPanel::inserted, &m_unit, &UnitModel::insertDisk);
+    connect(m_music, &MusicPanel::removed, &m_unit, &UnitModel::removeDisk);
     connect(m_music, &MusicPanel::failed, this, &SupervisorWindow::note);
-    connect(radio, &RadioPanel::said, this, &SupervisorWindow::followStation);
-    connect(aoe, &AoePanel::said, this, &SupervisorWindow::followAoe);
+    connect(m_radio, &RadioPanel::announced, &m_unit, &UnitModel::playStation);
+    connect(aoe, &AoePanel::said, &m_unit,
+            [this](const QStringList& words) { m_unit.reportAoe(words.last()); });
     connect(system, &SystemPanel::said, this, &SupervisorWindow::say);
     return tabs;
 }
@@ -103,35 +151,19 @@ QWidget* SupervisorWindow::createLog()
 {
     m_log = new QPlainTextEdit;
     m_log->setObjectName(QStringLiteral("log"));
+    m_log->setAccessibleName(tr("Sent, in the words of a script"));
+    m_log->setToolTip(m_log->accessibleName());
     m_log->setReadOnly(true);
     m_log->setMaximumBlockCount(logLines);
     m_log->setTabChangesFocus(true);
-    auto* caption = new QLabel(tr("Sent, in the words of a script:"));
-    caption->setBuddy(m_log);
-    auto* box = new QWidget;
-    auto* layout = new QVBoxLayout(box);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(caption);
-    layout->addWidget(m_log);
-    return box;
+    return m_log;
 }
 
-void SupervisorWindow::createStatusBar()
+LinkBar* SupervisorWindow::createLinkBar()
 {
-    m_linkState = new QLabel;
-    m_linkState->setObjectName(QStringLiteral("link"));
-    m_mode = new QLabel;
-    m_mode->setObjectName(QStringLiteral("mode"));
-    QFont bold = m_mode->font();
-    bold.setBold(true);
-    m_mode->setFont(bold);
-    auto* connectButton = new QPushButton(tr("Connect no&w"));
-    connectButton->setObjectName(QStringLiteral("connect"));
-    connect(connectButton, &QPushButton::clicked, &m_link, &PanelLink::connectNow);
-    statusBar()->setContentsMargins(8, 0, 0, 0);
-    statusBar()->addWidget(m_linkState, 1);
-    statusBar()->addPermanentWidget(m_mode);
-    statusBar()->addPermanentWidget(connectButton);
+    m_bar = new LinkBar;
+    connect(m_bar, &LinkBar::connectWanted, &m_link, &PanelLink::connectNow);
+    return m_bar;
 }
 
 void SupervisorWindow::connectLink()
@@ -143,17 +175,22 @@ void SupervisorWindow::connectLink()
     connect(&m_link, &PanelLink::answerLate, this, &SupervisorWindow::showLateAnswer);
     connect(&m_link, &PanelLink::replaced, this, &SupervisorWindow::showReplaced);
     connect(&m_link, &PanelLink::takenBack, this, &SupervisorWindow::showTakenBack);
-    m_linkState->setText(tr("Connecting to %1").arg(m_link.address()));
+    m_bar->showLink(LinkBar::State::Waiting, tr("Connecting to %1").arg(m_link.address()));
     m_link.connectNow();
 }
 
-void SupervisorWindow::connectPlayer()
+void SupervisorWindow::connectUnit()
 {
     m_tick.setObjectName(QStringLiteral("tick"));
     m_tick.setInterval(PlayerModel::levelEveryMs);
     connect(&m_tick, &QTimer::timeout, this, &SupervisorWindow::tick);
-    connect(&m_player, &PlayerModel::say, this, &SupervisorWindow::say);
     connect(&m_player, &PlayerModel::changed, this, &SupervisorWindow::runPlayer);
+    connect(m_front, &FrontPanel::turned, &m_unit, &UnitModel::turn);
+    connect(m_front, &FrontPanel::keyPressed, &m_unit, &UnitModel::pressKey);
+    connect(m_front, &FrontPanel::sourceSwitched, &m_unit, &UnitModel::switchSource);
+    connect(&m_unit, &UnitModel::say, this, &SupervisorWindow::say);
+    connect(&m_unit, &UnitModel::sourcesChanged, m_front, [this] { m_front->showSources(m_unit.sources()); });
+    connect(&m_unit, &UnitModel::stationChanged, m_radio, &RadioPanel::showStation);
 }
 
 void SupervisorWindow::say(const QStringList& words)
@@ -171,58 +208,11 @@ void SupervisorWindow::say(const QStringList& words)
     }
 }
 
-/** Transport keys are the player's only while its source is on. */
-void SupervisorWindow::act(const QString& key, bool isLong)
-{
-    if (isLong || !m_front->hasSource(QStringLiteral("usb")))
-        return;
-    for (const PlayerKey& playerKey : playerKeys)
-        if (key == QLatin1String(playerKey.word))
-            (m_player.*playerKey.act)();
-}
-
 /** A panel that has just been started, or restarted, knows nothing of the unit yet. */
 void SupervisorWindow::announceUnit()
 {
-    const QStringList device = m_front->deviceWords();
-    if (device.last() != QLatin1String("none"))
-        say(device);
-    m_player.announce();
+    m_unit.announce();
     m_link.askMode();
-}
-
-void SupervisorWindow::insertDisk()
-{
-    m_front->switchSource(QStringLiteral("usb"), true);
-    m_player.announce();
-}
-
-void SupervisorWindow::removeDisk()
-{
-    say({QStringLiteral("key"), QStringLiteral("stop")});
-    say({QStringLiteral("disk-state"), QStringLiteral("removed")});
-}
-
-/** What plays from a source ends when the source is switched off. */
-void SupervisorWindow::followSources()
-{
-    if (!m_front->hasSource(QStringLiteral("usb")))
-        m_player.stop();
-    if (!m_front->hasSource(QStringLiteral("ir")) && !m_front->hasSource(QStringLiteral("aoe")))
-        m_player.setStreaming(false);
-}
-
-void SupervisorWindow::followStation(const QStringList& words)
-{
-    say(words);
-    m_player.setStreaming(m_front->hasSource(QStringLiteral("ir")));
-}
-
-void SupervisorWindow::followAoe(const QStringList& words)
-{
-    say(words);
-    const bool plays = words.last() == QLatin1String("ok");
-    m_player.setStreaming(plays && m_front->hasSource(QStringLiteral("aoe")));
 }
 
 /** The clock runs only while something plays. */
@@ -247,34 +237,37 @@ void SupervisorWindow::tick()
 
 void SupervisorWindow::showUp()
 {
-    m_linkState->setText(tr("Connected to %1").arg(m_link.address()));
+    m_bar->showLink(LinkBar::State::Up, tr("Connected to %1").arg(m_link.address()));
 }
 
 void SupervisorWindow::showDown(const QString& reason, int pauseMs)
 {
-    m_mode->clear();
-    m_linkState->setText(tr("No link to %1 (%2); next attempt in %3 s")
-                             .arg(m_link.address(), reason, QLocale().toString(pauseMs / 1000.0, 'g', 2)));
+    m_bar->showMode({});
+    m_bar->showLink(LinkBar::State::Down,
+                    tr("No link to %1 (%2); next attempt in %3 s")
+                        .arg(m_link.address(), reason, QLocale().toString(pauseMs / 1000.0, 'g', 2)));
 }
 
 void SupervisorWindow::showMode(quint8 code)
 {
     showUp();
-    m_mode->setText(tr("Mode: %1").arg(modeName(code)));
+    m_bar->showMode(modeName(code));
+    const QScopedValueRollback<PanelLink::By> itself(m_by, PanelLink::By::Itself);
+    m_unit.followMode(modeName(code), !m_link.isAsking());
 }
 
 void SupervisorWindow::showLateAnswer()
 {
-    m_linkState->setText(tr("Waiting for the panel at %1").arg(m_link.address()));
+    m_bar->showLink(LinkBar::State::Waiting, tr("Waiting for the panel at %1").arg(m_link.address()));
 }
 
 void SupervisorWindow::showReplaced(bool surely)
 {
-    m_mode->clear();
     const QString text = surely
         ? tr("Another program has the link to %1; the next key takes it back")
         : tr("No answer from %1, another program may have the link; the next key takes it back");
-    m_linkState->setText(text.arg(m_link.address()));
+    m_bar->showMode({});
+    m_bar->showLink(LinkBar::State::Replaced, text.arg(m_link.address()));
     note(QStringLiteral("# ") + tr("replaced by another program"));
 }
 

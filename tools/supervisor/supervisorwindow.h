@@ -2,22 +2,25 @@
 
 #include "tools/supervisor/panellink.h"
 #include "tools/supervisor/playermodel.h"
+#include "tools/supervisor/unitmodel.h"
 
 #include <QElapsedTimer>
-#include <QMainWindow>
 #include <QTimer>
+#include <QWidget>
 
 class FrontPanel;
+class LinkBar;
 class MusicPanel;
-class QLabel;
 class QPlainTextEdit;
+class QTabWidget;
+class RadioPanel;
 
 /**
- * The unit around the panel: its front panel to click and turn, a disk of music to play, and the notices of
- * the unit's other processes. Everything that happens is said in words over the link, and after each action
- * the panel is asked for its mode.
+ * The unit around the panel: its front to click and turn, a disk of music to play, and the notices of the
+ * unit's other processes. Everything that happens is said in words over the link, and the panel is asked for
+ * its mode after each action and once a second.
  */
-class SupervisorWindow : public QMainWindow {
+class SupervisorWindow : public QWidget {
     Q_OBJECT
 
 public:
@@ -26,21 +29,22 @@ public:
     /** Begins with a disk in the unit, of which the panel hears when the link is made. */
     void openMusic(const QString& folder);
 
+    /** Goes where it fits on the screen that it opens on, beside the panel; to `corner` where one is given.
+     */
+    void fitToScreen(const std::optional<QPoint>& corner = std::nullopt);
+
+    QSize sizeHint() const override;
+
 private:
-    QWidget* createTabs();
+    QWidget* createUnit();
+    QTabWidget* createTabs();
     QWidget* createLog();
-    void createStatusBar();
+    LinkBar* createLinkBar();
     void connectLink();
-    void connectPlayer();
+    void connectUnit();
 
     void say(const QStringList& words);
-    void act(const QString& key, bool isLong);
     void announceUnit();
-    void insertDisk();
-    void removeDisk();
-    void followSources();
-    void followStation(const QStringList& words);
-    void followAoe(const QStringList& words);
     void runPlayer();
     void tick();
 
@@ -55,11 +59,12 @@ private:
     PanelLink m_link;
     PanelLink::By m_by = PanelLink::By::User; // whose words are said now
     PlayerModel m_player;
+    UnitModel m_unit;
     QTimer m_tick;
     QElapsedTimer m_clock; // since the last tick
     FrontPanel* m_front = nullptr;
     MusicPanel* m_music = nullptr;
+    RadioPanel* m_radio = nullptr;
     QPlainTextEdit* m_log = nullptr;
-    QLabel* m_linkState = nullptr;
-    QLabel* m_mode = nullptr;
+    LinkBar* m_bar = nullptr;
 };

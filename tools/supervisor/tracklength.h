@@ -3,9 +3,8 @@
 #include <QString>
 
 /**
- * The length of an MP3, FLAC or Ogg Vorbis file in milliseconds, from its headers; unknownTrackMs where they
- * do not tell it. An MP3 file without a frame count is taken to have the bit rate of its first frame all
- * through.
+ * The length of a media file in milliseconds, as ffprobe tells it; unknownTrackMs where that program is not
+ * installed or does not know.
  */
 int trackLengthMs(const QString& path);
 
