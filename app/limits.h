@@ -85,4 +85,24 @@ constexpr int rarePictureBytes = 16 * 1024 * 1024;
 /** of a picture that is written as text, which is read a character at a time */
 constexpr int textPictureBytes = 8 * 1024 * 1024;
 
+// tags
+
+/** of an ID3 tag: texts, and a cover of any size that shows */
+constexpr int tagBytes = 32 * 1024 * 1024;
+
+/** of a title, an artist or an album: a hundred screens of text */
+constexpr int textCharacters = 16 * 1024;
+
+/** a FLAC file has about ten, and one more for each picture */
+constexpr int flacBlocks = 4096;
+
+/** of all the comment headers of a file; a chained stream has about ten for each track */
+constexpr int vorbisComments = 100 * 1000;
+
+/** of an Ogg file, which is walked to its end: many hours of sound */
+constexpr int oggBytes = 512 * 1024 * 1024;
+
+/** of an Ogg file: a gigabyte at their usual length */
+constexpr int oggPages = 250 * 1000;
+
 } // namespace limits

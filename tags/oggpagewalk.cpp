@@ -1,6 +1,7 @@
 #include "tags/oggpagewalk.h"
 
 #include "app/dprintf.h"
+#include "tags/findbytes.h"
 
 #include <algorithm>
 #include <utility>
@@ -17,7 +18,7 @@ constexpr unsigned char continued = 255;
 } // namespace
 
 OggPageWalk::OggPageWalk(QIODevice& file, qint64 fileBytes, const VorbisCommentSink& sink)
-    : m_file(file)
+    : m_file(file, limits::oggBytes)
     , m_fileBytes(fileBytes)
     , m_sink(sink)
 {
@@ -37,6 +38,8 @@ bool OggPageWalk::run()
 /** Reads the page at the file's position; false, logged, where there is no page header. */
 bool OggPageWalk::readPage(Page& page)
 {
+    if (--m_pagesLeft < 0)
+        m_file.end();
     const std::string_view header = m_file.take(headerBytes);
     if (m_fileBytes < minFileBytes) {
         DPRINTF(3, "[OGG] parser error");
@@ -81,8 +84,8 @@ bool OggPageWalk::readPackets()
             DPRINTF(3, "[OGG] PacketSize error");
             return false;
         }
-        const std::size_t marker = packet.find(commentMarker);
-        if (marker == std::string_view::npos)
+        const qint64 marker = findBytes(packet, commentMarker);
+        if (marker < 0)
             enterNextPage();
         else if (!readComments(packet, marker))
             return false;
@@ -90,10 +93,10 @@ bool OggPageWalk::readPackets()
     return true;
 }
 
-bool OggPageWalk::readComments(std::string_view packet, std::size_t marker)
+bool OggPageWalk::readComments(std::string_view packet, qint64 marker)
 {
     const QByteArray block = QByteArray::fromRawData(packet.data(), int(packet.size()));
-    return readVorbisComments(block, qint64(marker) + qint64(commentMarker.size()), m_sink);
+    return readVorbisComments(block, marker + qint64(commentMarker.size()), m_sink);
 }
 
 /** Makes the following page the current one; the present one waits if packets are left. The first page always

@@ -40,12 +40,13 @@ private:
 
     bool readPage(Page& page);
     bool readPackets();
-    bool readComments(std::string_view packet, std::size_t marker);
+    bool readComments(std::string_view packet, qint64 marker);
     void enterNextPage();
     void returnToParent();
 
     ReadWindow m_file;
     qint64 m_fileBytes;
+    int m_pagesLeft = limits::oggPages;
     VorbisCommentSink m_sink;
     Page m_pages[2];
     Page* m_page = &m_pages[0]; // the current one

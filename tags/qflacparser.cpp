@@ -1,6 +1,7 @@
 #include "tags/qflacparser.h"
 
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "tags/bytesat.h"
 #include "tags/coverpicture.h"
 #include "tags/touint.h"
@@ -93,7 +94,12 @@ QByteArray QFLACparser::headerAfterFirstBlock(const QByteArray& head)
 /** Walks the blocks from the given header to the last one; false where an empty block makes all void. */
 bool QFLACparser::collectBlocks(QByteArray header, Blocks& blocks)
 {
+    int blocksLeft = limits::flacBlocks;
     for (bool isLast = false; !isLast; header = m_file.readAtMost(blockHeaderBytes)) {
+        if (--blocksLeft < 0) {
+            DPRINTF(3, "[FLAC] more than %d blocks", limits::flacBlocks);
+            return true;
+        }
         const BlockHeader block(header);
         if (block.length == 0) {
             DPRINTF(4, "Not found tag information [1]");
@@ -112,23 +118,32 @@ bool QFLACparser::collectBlocks(QByteArray header, Blocks& blocks)
 void QFLACparser::takeBlock(int type, qint64 length, Blocks& blocks)
 {
     if (type == CommentBlock)
-        blocks.comments = m_file.readAtMost(length);
+        blocks.comments = {m_file.pos(), length};
     else if (type == PictureBlock)
-        blocks.picture = m_file.readAtMost(length);
-    else
-        m_file.seek(m_file.pos() + length);
+        blocks.picture = {m_file.pos(), length};
+    m_file.seek(m_file.pos() + length);
+}
+
+QByteArray QFLACparser::contentOf(Place block)
+{
+    m_file.seek(block.position);
+    return m_file.readAtMost(block.length);
 }
 
 int QFLACparser::decode(const Blocks& blocks)
 {
-    if (blocks.comments.size() >= minBlockBytes && !ReadVorbis(blocks.comments))
+    QByteArray content = contentOf(blocks.comments);
+    if (content.size() >= minBlockBytes && !ReadVorbis(content))
         return 0;
-    return blocks.picture.size() >= minBlockBytes && ReadAttachedImage(blocks.picture) ? 1 : 0;
+    content.clear(); // the picture needs the room
+    content = contentOf(blocks.picture);
+    return content.size() >= minBlockBytes && ReadAttachedImage(content) ? 1 : 0;
 }
 
 bool QFLACparser::ReadVorbis(QByteArray block)
 {
-    return readVorbisComments(block, 0, {&strTitle, &strArtist, &strAlbum, "[FLAC] ", ""});
+    VorbisCommentSink sink = {&strTitle, &strArtist, &strAlbum, "[FLAC] ", ""};
+    return readVorbisComments(block, 0, sink);
 }
 
 bool QFLACparser::ReadAttachedImage(QByteArray block)

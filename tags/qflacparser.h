@@ -31,14 +31,20 @@ public:
     QPixmap GetPicture() const { return pixPicture; }
 
 private:
+    /** Where a block's content lies in the file. */
+    struct Place {
+        qint64 position = 0;
+        qint64 length = 0;
+    };
     struct Blocks {
-        QByteArray comments;
-        QByteArray picture;
+        Place comments;
+        Place picture;
     };
 
     QByteArray headerAfterFirstBlock(const QByteArray& head);
     bool collectBlocks(QByteArray header, Blocks& blocks);
     void takeBlock(int type, qint64 length, Blocks& blocks);
+    QByteArray contentOf(Place block);
     int decode(const Blocks& blocks);
 
     QString m_path;

@@ -1,8 +1,10 @@
 #include "tags/qmp3parser.h"
 
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "tags/bytesat.h"
 #include "tags/coverpicture.h"
+#include "tags/findbytes.h"
 
 #include <QTextCodec>
 
@@ -69,11 +71,12 @@ constexpr Id3v1Text id3v1Texts[] = {
     {&TagInfomation::strAlbum, 63},
 };
 
-/** Where `text` first stands in `bytes`; negative where it does not. */
+/** No encoding needs more for the longest text that is shown, and for the mark in front of it. */
+constexpr qint64 maxTextBytes = 3LL * limits::textCharacters + 3;
+
 qint64 find(const QByteArray& bytes, std::string_view text)
 {
-    const auto at = std::string_view(bytes.constData(), std::size_t(bytes.size())).find(text);
-    return at == std::string_view::npos ? -1 : qint64(at);
+    return findBytes({bytes.constData(), std::size_t(bytes.size())}, text);
 }
 
 /** Joins four bytes, the first one highest, each of which carries its low `bits` bits; missing bytes are 0.
@@ -127,17 +130,21 @@ bool QMP3Parser::Mp3TagParser(QByteArray header)
 
 void QMP3Parser::readId3v2(const QByteArray& header)
 {
-    const QByteArray body = m_file.readAtMost(GetTagSize(bytesAt(header, 6, 4)));
+    const qint64 bodyBytes = GetTagSize(bytesAt(header, 6, 4));
+    QByteArray body = m_file.readAtMost(std::min<qint64>(bodyBytes, limits::tagBytes));
     for (const TextFrame& frame : textFrames) {
         if (const auto content = frameContent(body, frame.id))
             m_info.*frame.text = GetText(*content);
         else
             DPRINTF(3, "[ID3] not found %s(%s)", frame.id, frame.meaning);
     }
-    if (const auto content = frameContent(body, "APIC"))
+    if (auto content = frameContent(body, "APIC")) {
+        content->detach();
+        body.clear(); // the picture needs the room
         m_info.pixPicture = GetImage(*content);
-    else
+    } else {
         DPRINTF(3, "[ID3] The MP3-FILE is not include a APIC-DATA");
+    }
 }
 
 /** The content of the frame whose name comes first in the body, be it inside another frame. */
@@ -185,9 +192,9 @@ QString QMP3Parser::GetText(QByteArray content)
 {
     const std::size_t number = content.isEmpty() ? 0 : quint8(content.at(0));
     const TextEncoding& encoding = textEncodings[std::min(number, std::size(textEncodings) - 1)];
-    const QByteArray bytes = bytesAt(content, 1, content.size());
+    const QByteArray bytes = bytesAt(content, 1, maxTextBytes);
     const std::unique_ptr<QTextDecoder> decoder(QTextCodec::codecForName(encoding.codec)->makeDecoder());
-    QString text = decoder->toUnicode(bytes);
+    QString text = decoder->toUnicode(bytes).left(limits::textCharacters);
     DPRINTF(2, "[ID3] MP3 Tag %s[ %s ] ", encoding.logName, text.toUtf8().constData());
     return text;
 }

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <cstring>
 
-ReadWindow::ReadWindow(QIODevice& device)
+ReadWindow::ReadWindow(QIODevice& device, qint64 bytes)
     : m_device(device)
     , m_buffer(new char[bufferBytes])
     , m_base(device.pos())
+    , m_unread(bytes)
     , m_ended(!device.isOpen())
 {
 }
@@ -29,9 +30,11 @@ void ReadWindow::fill()
     m_end -= m_begin;
     m_begin = 0;
     while (!m_ended && m_end < bufferBytes) {
-        const qint64 got = m_device.read(m_buffer.get() + m_end, qint64(bufferBytes - m_end));
+        const qint64 room = std::min(qint64(bufferBytes - m_end), m_unread);
+        const qint64 got = m_device.read(m_buffer.get() + m_end, room);
         m_ended = got <= 0;
         m_end += std::size_t(std::max<qint64>(got, 0));
+        m_unread -= std::max<qint64>(got, 0);
     }
 }
 
@@ -44,6 +47,12 @@ std::string_view ReadWindow::reread(qint64 position, std::size_t bytes)
     const qint64 got = moved ? m_device.read(m_aside.data(), qint64(bytes)) : -1;
     m_device.seek(m_base + qint64(m_end));
     return {m_aside.data(), std::size_t(std::max<qint64>(got, 0))};
+}
+
+void ReadWindow::end()
+{
+    m_end = m_begin;
+    m_ended = true;
 }
 
 void ReadWindow::detach()

@@ -15,8 +15,9 @@ public:
     /** The most that take() gives at once. */
     static constexpr std::size_t maxBytes = std::size_t(64) * 1024;
 
-    /** Starts where the device stands, and leaves it there when detach() is called. */
-    explicit ReadWindow(QIODevice& device);
+    /** Starts where the device stands, and leaves it there when detach() is called. Reads so many bytes as if
+     * the file ended behind them. */
+    ReadWindow(QIODevice& device, qint64 bytes);
 
     /** The next bytes, fewer at the end of the file. They hold until the next call of any function. */
     std::string_view take(std::size_t bytes);
@@ -25,6 +26,8 @@ public:
     qint64 position() const { return m_base + qint64(m_begin); }
     /** Whether nothing is left and the end of the file has been seen. */
     bool isAtEnd() const { return m_ended && m_begin == m_end; }
+    /** Lets the file end where the window stands. */
+    void end();
     /** Puts the device where the window stands. */
     void detach();
 
@@ -37,6 +40,7 @@ private:
     const std::unique_ptr<char[]> m_buffer; ///< not cleared: of a short file most of it is never touched
     std::vector<char> m_aside;
     qint64 m_base; // position of the buffer's first byte
+    qint64 m_unread; // bytes that may still be read
     std::size_t m_begin = 0;
     std::size_t m_end = 0;
     bool m_ended;

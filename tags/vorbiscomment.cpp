@@ -1,15 +1,20 @@
 #include "tags/vorbiscomment.h"
 
 #include "app/dprintf.h"
+#include "app/limits.h"
 #include "app/utf8.h"
 #include "tags/bytesat.h"
 #include "tags/touint.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
 
 constexpr qint64 numberBytes = 4;
+/** Room for the longest text that is shown, with the longest key before it that can mean one of the fields.
+ */
+constexpr qint64 maxCommentBytes = 3LL * limits::textCharacters + 64;
 
 struct Field {
     const char* key;
@@ -45,31 +50,31 @@ void storeComment(const QString& text, const VorbisCommentSink& sink)
         if (key.compare(QLatin1String(field.key), Qt::CaseInsensitive) != 0)
             continue;
         QString& stored = *(sink.*field.text);
-        stored = valueOf(text, equals);
+        stored = valueOf(text, equals).left(limits::textCharacters);
         DPRINTF(2, "%s%s - %s", sink.prefix, field.key, stored.toLatin1().constData());
     }
 }
 
-void walkComments(const QByteArray& block, qint64 position, quint32 count, const VorbisCommentSink& sink)
+void walkComments(const QByteArray& block, qint64 position, quint32 count, VorbisCommentSink& sink)
 {
-    for (; count > 0; --count) {
+    for (; count > 0 && sink.commentsLeft > 0; --count, --sink.commentsLeft) {
         const qint64 begin = position + numberBytes;
-        const quint32 length = numberAt(block, position);
+        const qint64 length = numberAt(block, position);
         position = begin + length;
         if (position > block.size())
             return;
-        storeComment(utf8UntilZero(bytesAt(block, begin, length)), sink);
+        storeComment(utf8UntilZero(bytesAt(block, begin, std::min(length, maxCommentBytes))), sink);
     }
 }
 
 } // namespace
 
-bool readVorbisComments(const QByteArray& block, qint64 start, const VorbisCommentSink& sink)
+bool readVorbisComments(const QByteArray& block, qint64 start, VorbisCommentSink& sink)
 {
     const qint64 vendorAt = start + numberBytes;
-    const quint32 vendorBytes = numberAt(block, start);
-    const QString vendor = utf8UntilZero(bytesAt(block, vendorAt, vendorBytes));
-    DPRINTF(2, "%s%s", sink.vendorPrefix, vendor.toUtf8().constData());
+    const qint64 vendorBytes = numberAt(block, start);
+    const QByteArray vendor = bytesAt(block, vendorAt, std::min(vendorBytes, maxCommentBytes));
+    DPRINTF(2, "%s%s", sink.vendorPrefix, utf8UntilZero(vendor).toUtf8().constData());
 
     const qint64 countAt = vendorAt + vendorBytes;
     const quint32 count = numberAt(block, countAt);

@@ -1,15 +1,18 @@
 #pragma once
 
+#include "app/limits.h"
+
 #include <QByteArray>
 #include <QString>
 
-/** Where the texts of a comment header go, and how its log lines begin. */
+/** Where the texts of comment headers go, how their log lines begin, and how many comments are still read. */
 struct VorbisCommentSink {
     QString* title;
     QString* artist;
     QString* album;
     const char* prefix;
     const char* vendorPrefix;
+    int commentsLeft = limits::vorbisComments;
 };
 
 /**
@@ -17,4 +20,4 @@ struct VorbisCommentSink {
  * the sink. A comment that ends beyond the block ends the walk; of equal keys the last one holds. False, and
  * no comment read, where the comment count cannot fit a block of this size.
  */
-bool readVorbisComments(const QByteArray& block, qint64 start, const VorbisCommentSink& sink);
+bool readVorbisComments(const QByteArray& block, qint64 start, VorbisCommentSink& sink);

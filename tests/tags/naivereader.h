@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QBuffer>
+#include "tags/coverpicture.h"
+
 #include <QByteArray>
-#include <QImageReader>
 #include <QPixmap>
 #include <QString>
 #include <QStringList>
@@ -13,7 +13,8 @@
 /**
  * A second reading of the tags, as plain as it can be, to hold the real readers against: the file as one byte
  * array, a position in it, recursion from page to page of an Ogg file. Only for small files. The log lines
- * come out as LogCatcher::plain() gives them.
+ * come out as LogCatcher::plain() gives them. Pictures are decoded as everywhere: only which bytes they are
+ * made of is read a second time.
  */
 class NaiveReader {
 public:
@@ -127,36 +128,6 @@ private:
         title = m_path.section(QLatin1Char('/'), -1);
     }
 
-    /** A PNG of which a part claims to go on behind its end never loads, but takes the memory that it claims.
-     */
-    static bool isPngThatClaimsTooMuch(const QByteArray& data)
-    {
-        if (!data.startsWith("\x89PNG\r\n\x1a\n"))
-            return false;
-        qint64 at = 8;
-        while (at + 8 <= data.size() && data.mid(at + 4, 4) != "IEND") {
-            const qint64 length = big(data.mid(at, 4));
-            if (at + 8 + length > data.size())
-                return true;
-            at += 12 + length;
-        }
-        return false;
-    }
-
-    static QPixmap cover(const QByteArray& data)
-    {
-        if (isPngThatClaimsTooMuch(data))
-            return {};
-        QByteArray copy = data;
-        QBuffer buffer(&copy);
-        const QSize size = QImageReader(&buffer).size();
-        QPixmap pixmap;
-        if (!size.isValid() || qint64(size.width()) * size.height() > 32 * 1024 * 1024
-            || !pixmap.loadFromData(data))
-            return {};
-        return pixmap.scaled(100, 100, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-    }
-
     // ID3
 
     bool readMp3Tag(const QByteArray& header)
@@ -230,9 +201,9 @@ private:
     static QPixmap frameImage(const QByteArray& content)
     {
         if (content.contains("jpeg"))
-            return cover(content.mid(14));
+            return coverPicture(content.mid(14));
         if (content.contains("jpg") || content.contains("png"))
-            return cover(content.mid(13));
+            return coverPicture(content.mid(13));
         return {};
     }
 
@@ -351,7 +322,7 @@ private:
         const qint64 K = big(cut(block, P + 16, 4));
         if (!(K + P + 20 <= n))
             return inappropriate("picture-data");
-        picture = cover(cut(block, P + 20, K));
+        picture = coverPicture(cut(block, P + 20, K));
         return true;
     }
 
