@@ -14,8 +14,23 @@ constexpr int logLineBytes = 8192;
 
 // configuration files
 
-/** twenty thousand stations fit in here; the reader holds up to three times as much while it works */
-constexpr int configFileBytes = 4 * 1024 * 1024;
+/** thousands of stations fit in here; of open tags the reader keeps a hundred times their size */
+constexpr int configFileBytes = 512 * 1024;
+
+/** a tag longer than this ends its file; bytes, or units of 16 bits where the file is not UTF-8 */
+constexpr int xmlTagUnits = 64 * 1024;
+
+/** so does a text or a comment; the values of the unit are a line long */
+constexpr int xmlTextUnits = 64 * 1024;
+
+/** so do more attributes of one tag; they mean nothing here, and the reader compares each with all others */
+constexpr int xmlTagAttributes = 100;
+
+/** so do more name spaces in one file; the reader goes through all of them at every prefix */
+constexpr int xmlNameSpaces = 100;
+
+/** files whose damage was logged are remembered, so that the next reading does not log it again */
+constexpr int damagedFiles = 64;
 
 /** the encoding of a file is declared in its first line */
 constexpr int declarationBytes = 256;
@@ -29,7 +44,7 @@ constexpr int sampleRateBytes = 4096;
 constexpr int systemTextBytes = 64 * 1024;
 
 /** a routing table is printed at once; names are not looked up */
-constexpr int routeMs = 30 * 1000;
+constexpr int routeMs = 2 * 1000;
 
 /** a network that has not restarted by then will not */
 constexpr int networkRestartMs = 30 * 1000;

@@ -6,13 +6,17 @@
 class QFile;
 
 /**
- * Why a path is neither opened nor replaced, or nothing: a FIFO or a device may hold the panel up for ever,
- * and a file in its place may harm the unit.
+ * Files whose names others choose, opened so that none can hold the panel up: without blocking, and asked
+ * what they are once they are open, so that one put in another's place meanwhile is found out. A FIFO or a
+ * device in a file's place is neither read nor written.
+ *
+ * An open file has forgotten its name. Each call returns why the file is not open, in the system's words, and
+ * nothing when it is.
  */
-QString specialFileReason(const QString& path);
 
-/**
- * Opens a file for reading and returns the reason when that fails, nothing when it is open. Only regular
- * files are opened.
- */
+/** Opens a file for reading. */
 QString openToRead(QFile& file, QIODevice::OpenMode mode);
+
+/** Opens a file with the system's own flags, whose way of access is that of `mode`; leaves errno as the
+ * system set it, 0 where it refuses what is no file. */
+QString openRegular(QFile& file, int flags, QIODevice::OpenMode mode);

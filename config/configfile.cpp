@@ -4,10 +4,10 @@
 #include "app/limits.h"
 #include "app/openfile.h"
 #include "app/qtcompat.h"
+#include "config/xmlbounds.h"
 
 #include <QBuffer>
 #include <QFile>
-#include <QSaveFile>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -19,10 +19,24 @@ QByteArray declaredEncoding(const QByteArray& bytes)
     return declaration.documentEncoding().toString().toLatin1();
 }
 
-/** The toolkit's XML reader knows only the Unicode encodings everywhere; a file that declares another is
- * decoded before it gets there. */
+/** How files begin that spend several bytes on every character; longer beginnings first. */
+struct WideStart {
+    const char* bytes;
+    int length;
+    const char* codec;
+};
+constexpr WideStart wideStarts[] = {
+    {"\xFF\xFE\0\0", 4, "UTF-32"}, {"\0\0\xFE\xFF", 4, "UTF-32"}, {"<\0\0\0", 4, "UTF-32LE"},
+    {"\0\0\0<", 4, "UTF-32BE"},    {"\xFF\xFE", 2, "UTF-16"},     {"\xFE\xFF", 2, "UTF-16"},
+    {"<\0", 2, "UTF-16LE"},        {"\0<", 2, "UTF-16BE"},
+};
+
+/** What decodes a file that is not UTF-8; nothing where it is, or where the encoding is unknown. */
 QTextCodec* foreignCodec(const QByteArray& bytes)
 {
+    for (const WideStart& start : wideStarts)
+        if (bytes.startsWith(QByteArray::fromRawData(start.bytes, start.length)))
+            return QTextCodec::codecForName(start.codec);
     const QByteArray encoding = declaredEncoding(bytes).toUpper();
     if (encoding.isEmpty() || encoding.startsWith("UTF"))
         return nullptr;
@@ -44,34 +58,6 @@ QByteArray toXml(const ConfigElements& elements)
     return buffer.data();
 }
 
-/** A full disk shows when the bytes are flushed; a flush that fails later, at the rename, is not noticed by
- * the toolkit. */
-bool storeAll(QFileDevice& file, const QByteArray& bytes)
-{
-    return file.write(bytes) == bytes.size() && file.flush();
-}
-
-ConfigWrite storeFailed(const QString& path, const QFileDevice& file)
-{
-    DPRINTF(4, "Config write [%s] %s", path.toUtf8().constData(), file.errorString().toUtf8().constData());
-    return ConfigWrite::Failed;
-}
-
-ConfigWrite notOpened(const QString& reason, QString* error)
-{
-    if (error)
-        *error = reason;
-    return ConfigWrite::NotOpened;
-}
-
-ConfigWrite writeInPlace(const QString& path, const QByteArray& bytes, QString* error)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return notOpened(file.errorString(), error);
-    return storeAll(file, bytes) ? ConfigWrite::Written : storeFailed(path, file);
-}
-
 } // namespace
 
 ConfigReader::ConfigReader(const QString& path)
@@ -81,17 +67,29 @@ ConfigReader::ConfigReader(const QString& path)
     m_error = openToRead(file, QIODevice::ReadOnly | QIODevice::Text);
     if (!isOpen())
         return;
+    m_sizeLine.watch(path + QLatin1String(" size"));
+    m_endLine.watch(path);
     const QByteArray bytes = file.read(limits::configFileBytes);
     if (!file.atEnd())
-        DPRINTF(4, "Config read [%s] is cut at %d bytes", path.toUtf8().constData(), limits::configFileBytes);
+        m_sizeLine.log(
+            QStringLiteral("Config read [%1] is cut at %2 bytes").arg(path).arg(limits::configFileBytes));
     if (QTextCodec* codec = foreignCodec(bytes))
-        m_xml.addData(codec->toUnicode(bytes));
+        feed(codec->toUnicode(bytes));
     else
-        m_xml.addData(bytes);
+        feed(bytes);
+}
+
+template <typename Document> void ConfigReader::feed(const Document& document)
+{
+    const XmlPart part = boundedPart(document);
+    m_bound = QLatin1String(part.reason);
+    m_xml.addData(document.left(part.length));
 }
 
 void ConfigReader::readFlat(const FlatPattern& pattern, const FlatConsumer& consumer)
 {
+    if (isOpen())
+        m_endLine.watch(m_path + QLatin1Char(' ') + pattern.names.join(QLatin1Char(' ')));
     while (!ended(m_xml)) {
         m_xml.readNext();
         if (m_xml.isStartElement() && m_xml.name() == QLatin1String("config"))
@@ -121,27 +119,29 @@ bool ConfigReader::ended(const QXmlStreamReader& xml)
     return xml.tokenType() == QXmlStreamReader::EndDocument || xml.hasError();
 }
 
-bool ConfigReader::endedEarly() const
+bool ConfigReader::endedEarly()
 {
     if (!ended(m_xml))
         return false;
-    const QString reason = m_xml.hasError() ? m_xml.errorString() : QStringLiteral("end of document");
-    DPRINTF(4, "Config read [%s] ended early: %s", m_path.toUtf8().constData(), reason.toUtf8().constData());
+    m_endLine.log(QStringLiteral("Config read [%1] ended early: %2").arg(m_path, endReason()));
     return true;
+}
+
+QString ConfigReader::endReason() const
+{
+    if (!m_xml.hasError())
+        return QStringLiteral("end of document");
+    const bool atBound = m_xml.error() == QXmlStreamReader::PrematureEndOfDocumentError && !m_bound.isEmpty();
+    return atBound ? m_bound : m_xml.errorString();
 }
 
 ConfigWrite writeConfig(const QString& path, const ConfigElements& elements, QString* error)
 {
-    const QString special = specialFileReason(path);
-    if (!special.isEmpty())
-        return notOpened(special, error);
-    const QByteArray bytes = toXml(elements);
-    QSaveFile aside(path);
-    if (aside.open(QIODevice::WriteOnly)) {
-        if (!storeAll(aside, bytes))
-            return storeFailed(path, aside);
-        if (aside.commit())
-            return ConfigWrite::Written;
-    }
-    return writeInPlace(path, bytes, error);
+    QString reason;
+    const ConfigWrite result = replaceFile(path, toXml(elements), reason);
+    if (result == ConfigWrite::Failed)
+        DPRINTF(4, "Config write [%s] %s", path.toUtf8().constData(), reason.toUtf8().constData());
+    if (result == ConfigWrite::NotOpened && error)
+        *error = reason;
+    return result;
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "config/damageline.h"
+#include "config/replacefile.h"
+
 #include <QPair>
 #include <QString>
 #include <QStringList>
@@ -36,7 +39,8 @@ using FlatConsumer = std::function<Flat(const QString& name, const QString& text
  * One configuration file opened for reading.
  *
  * The whole file is read on construction, up to a bound (a line at level 4 says so when there is more), and
- * decoded by the encoding that it declares, UTF-8 without one. Whatever the file holds, reading ends.
+ * decoded by the encoding that it declares, UTF-8 without one. A document type declaration, and a tag or a
+ * text beyond its bound, end the document as an error in it does. Whatever the file holds, reading ends.
  */
 class ConfigReader {
 public:
@@ -59,33 +63,30 @@ public:
     /** Whether a reader stands behind its last token or at an error. */
     static bool ended(const QXmlStreamReader& xml);
 
-    /** The same of this file, and says so at level 4. For loops that expect an end tag first. */
-    bool endedEarly() const;
+    /** The same of this file, and says so at level 4, once until a reading ends as it should. For loops that
+     * expect an end tag first. */
+    bool endedEarly();
 
 private:
+    template <typename Document> void feed(const Document& document);
+    QString endReason() const;
     void readChildren(const FlatPattern& pattern, const FlatConsumer& consumer);
 
     QString m_path;
     QString m_error;
+    /** Why the reader was given no more of the document; empty where it was given all. */
+    QString m_bound;
+    DamageLine m_sizeLine;
+    DamageLine m_endLine;
     QXmlStreamReader m_xml;
 };
 
 /** The name and text of each element below "config", in the order of writing. */
 using ConfigElements = QVector<QPair<QString, QString>>;
 
-enum class ConfigWrite {
-    Written,
-    NotOpened, ///< the file could not be opened: nothing was changed
-    Failed, ///< the content could not be stored, and a line at level 4 says so
-};
-
 /**
  * Replaces a configuration file by a "config" with the given elements: UTF-8, one element a line, indented by
- * four blanks.
- *
- * The new content is written aside and renamed over the old file, so that a power cut or a full disk leaves
- * one of the two whole; a link stays and its target is replaced. Where no file can be put beside the old one
- * or renamed over it, the old one is overwritten in place. `error` takes the system's reason when the file
- * cannot be opened.
+ * four blanks. `error` takes the system's reason when the file cannot be opened; a line at level 4 says why
+ * its content cannot be stored.
  */
 ConfigWrite writeConfig(const QString& path, const ConfigElements& elements, QString* error = nullptr);

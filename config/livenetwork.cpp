@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QNetworkInterface>
 #include <QProcess>
+#include <QStandardPaths>
 
 namespace {
 
@@ -64,10 +65,14 @@ QStringList liveNameServers(QString& error)
 QByteArray lastRoute(int waitMs)
 {
     LastLine last;
+    // For every program that cannot be started the toolkit keeps a descriptor open.
+    const QString program = QStandardPaths::findExecutable(QStringLiteral("route"));
+    if (program.isEmpty())
+        return {};
     QProcess route;
     route.setStandardErrorFile(QProcess::nullDevice());
     const QDeadlineTimer deadline(waitMs);
-    route.start(QStringLiteral("route"), {QStringLiteral("-n")});
+    route.start(program, {QStringLiteral("-n")});
     while (route.state() != QProcess::NotRunning && !deadline.hasExpired()) {
         route.waitForReadyRead(int(deadline.remainingTime()));
         last.feed(route.readAllStandardOutput());

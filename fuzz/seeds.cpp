@@ -217,6 +217,28 @@ void configSeeds()
     }
 }
 
+/** Documents beyond the bounds, and just within them. */
+void hostileConfigSeeds()
+{
+    QByteArray attributes;
+    for (int i = 0; i < 1200; ++i)
+        attributes += " a" + QByteArray::number(i) + "=''";
+    const QByteArray bomb = "<!DOCTYPE c [<!ENTITY e \"" + QByteArray(4000, 'x') + "\">]>";
+    const QByteArray documents[] = {
+        bomb + "<config><name>" + QByteArray("&e;").repeated(300) + "</name></config>",
+        "<config><name" + attributes + ">1</name></config>",
+        "<config><name>1</name><url>" + QByteArray(70000, 'x') + "</url></config>",
+        "<config><name>1</name><url>" + QByteArray(60000, 'x') + "</url></config>",
+        "<config><name>1</name><!--" + QByteArray(70000, '-') + "--></config>",
+        "<config>" + QByteArray("<entry><title>t</title><url>u</url></entry>").repeated(2000) + "</config>",
+        "<config>" + QByteArray("<dns1>").repeated(10000) + "</config>",
+    };
+    int number = 0;
+    for (const QByteArray& document : documents)
+        for (const char file : {'\0', '\2', '\4', '\7'})
+            seed("config", QStringLiteral("hostile-%1").arg(++number), file + document);
+}
+
 void tickerSeeds()
 {
     const QStringList texts = {
@@ -253,6 +275,7 @@ int main(int argc, char** argv)
     flacSeeds();
     oggSeeds();
     configSeeds();
+    hostileConfigSeeds();
     tickerSeeds();
     return 0;
 }

@@ -62,6 +62,12 @@ inline QStringList readAll(const QString& path, const FlatPattern& flat = abPatt
     return given;
 }
 
+/** Reads a file without damage, so that the next damage is logged. */
+inline void mend(const ConfigFolder& folder)
+{
+    readAll(folder.write("<config><entry></entry></config>"));
+}
+
 inline QByteArray encoded(const char* codec, const QString& text)
 {
     return QTextCodec::codecForName(codec)->fromUnicode(text);

@@ -64,11 +64,20 @@ public:
     }
     bool smallDisk(const QString& target, int bytes) const
     {
-        const QByteArray options = "size=" + QByteArray::number(bytes);
-        return m_own && ::mount("tmpfs", target.toUtf8().constData(), "tmpfs", 0, options.constData()) == 0;
+        return disk(target, "size=" + QByteArray::number(bytes));
+    }
+    /** Room for so many files and folders, the topmost folder among them. */
+    bool diskOfFewFiles(const QString& target, int files) const
+    {
+        return disk(target, "nr_inodes=" + QByteArray::number(files));
     }
 
 private:
+    bool disk(const QString& target, const QByteArray& options) const
+    {
+        return m_own && ::mount("tmpfs", target.toUtf8().constData(), "tmpfs", 0, options.constData()) == 0;
+    }
+
     bool m_own;
 };
 

@@ -258,6 +258,63 @@ private slots:
             QStringList(QStringLiteral("E Config write [%1] No space left on device").arg(m_folder.path())));
     }
 
+    void aDiskThatTakesNoMoreFilesLeavesTheOldOne()
+    {
+        const OwnMounts mounts;
+        if (!mounts.diskOfFewFiles(m_folder.folder(), 3))
+            QSKIP("mounting needs the superuser");
+        m_folder.write("old");
+        for (int i = 0; i < 3; ++i)
+            QFile(m_folder.path(QString::number(i))).open(QIODevice::WriteOnly);
+        LogCatcher log(4);
+        const ConfigWrite result = writeConfig(m_folder.path(), {});
+        QString error;
+        const ConfigWrite another = writeConfig(m_folder.path(QStringLiteral("new.xml")), {}, &error);
+        const QByteArray left = UnitRoot::read(m_folder.path());
+        ::umount(m_folder.folder().toUtf8().constData());
+        const QString reason = QStringLiteral("No space left on device");
+        QCOMPARE(result, ConfigWrite::Failed);
+        QCOMPARE(left, QByteArray("old"));
+        QCOMPARE(log.plain(),
+                 QStringList(QStringLiteral("E Config write [%1] %2").arg(m_folder.path(), reason)));
+        QCOMPARE(another, ConfigWrite::NotOpened);
+        QCOMPARE(error, reason);
+    }
+
+    /** Neither a file beside it nor a longer content has room. */
+    void aFullDiskLeavesAFileThatIsWrittenInPlace()
+    {
+        const OwnMounts mounts;
+        const QString disk = m_folder.path(QStringLiteral("disk"));
+        QDir(m_folder.folder()).mkpath(QStringLiteral("disk"));
+        m_folder.write("hidden");
+        if (!mounts.smallDisk(disk, 16384))
+            QSKIP("mounting needs the superuser");
+        UnitRoot::write(disk + QStringLiteral("/file"), "old");
+        UnitRoot::write(disk + QStringLiteral("/filler"), QByteArray(3 * 4096, 'x'));
+        QVERIFY(mounts.bind(disk + QStringLiteral("/file"), m_folder.path()));
+        LogCatcher log(4);
+        const ConfigElements elements{{QStringLiteral("a"), QString(8000, QLatin1Char('x'))}};
+        const ConfigWrite result = writeConfig(m_folder.path(), elements);
+        const QByteArray left = UnitRoot::read(m_folder.path());
+        ::umount(m_folder.path().toUtf8().constData());
+        ::umount(disk.toUtf8().constData());
+        QCOMPARE(result, ConfigWrite::Failed);
+        QCOMPARE(left, QByteArray("old"));
+        QCOMPARE(
+            log.plain(),
+            QStringList(QStringLiteral("E Config write [%1] No space left on device").arg(m_folder.path())));
+    }
+
+    void whatAPowerCutLeftAsideIsTakenOver()
+    {
+        m_folder.write("old");
+        UnitRoot::write(m_folder.path() + QStringLiteral(".vireo-new"), QByteArray(100000, 'x'));
+        QCOMPARE(writeConfig(m_folder.path(), {}), ConfigWrite::Written);
+        QCOMPARE(UnitRoot::read(m_folder.path()), declaration + "<config/>\n");
+        QCOMPARE(m_folder.names(), QStringList(QStringLiteral("file.xml")));
+    }
+
     void aRefusedFlushLeavesTheOldFile()
     {
         m_folder.write("old");
@@ -285,6 +342,7 @@ private slots:
             seen << left;
         }
         QCOMPARE(seen.size(), 2);
+        QVERIFY2(m_folder.names().size() <= 2, "what they left aside piles up");
     }
 };
 

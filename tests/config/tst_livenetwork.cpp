@@ -155,6 +155,17 @@ private slots:
         QCOMPARE(lastRoute(30000), QByteArray());
     }
 
+    void askingForAMissingCommandLeavesNoDescriptorOpen()
+    {
+        const RouteStandIn none;
+        lastRoute(30000);
+        const QDir descriptors(QStringLiteral("/proc/self/fd"));
+        const auto open = descriptors.entryList(QDir::Files | QDir::System).size();
+        for (int i = 0; i < 20; ++i)
+            lastRoute(30000);
+        QCOMPARE(descriptors.entryList(QDir::Files | QDir::System).size(), open);
+    }
+
     void aCommandThatCannotRunPrintsNothing()
     {
         const RouteStandIn route("echo one", "#!/no/such/interpreter\n");
