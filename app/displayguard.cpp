@@ -1,5 +1,7 @@
 #include "app/displayguard.h"
 
+#include "app/journalstream.h"
+
 #include <QGuiApplication>
 #include <QList>
 #include <QScreen>
@@ -18,6 +20,7 @@ struct Warning {
 
 // A message handler has no place for a state of its own.
 const char* program;
+const char* remark;
 QList<Warning> held;
 QtMessageHandler before;
 
@@ -32,7 +35,9 @@ QString reason(const QString& last)
 
 [[noreturn]] void endWithout(const QString& why)
 {
-    std::fprintf(stderr, "%s: no display: %s\n", program, why.simplified().toUtf8().constData());
+    const char* const priority = standardErrorIsJournal() ? "<3>" : "";
+    std::fprintf(stderr, "%s%s: no display: %s%s\n", priority, program, why.simplified().toUtf8().constData(),
+                 remark);
     std::fflush(stderr);
     std::_Exit(EXIT_FAILURE); // the application object is half made
 }
@@ -46,9 +51,10 @@ void hold(QtMsgType type, const QMessageLogContext& context, const QString& text
 
 } // namespace
 
-DisplayGuard::DisplayGuard(const char* name)
+DisplayGuard::DisplayGuard(const char* name, const char* advice)
 {
     program = name;
+    remark = advice;
     held.clear();
     before = qInstallMessageHandler(hold);
 }

@@ -9,8 +9,8 @@
  */
 class DisplayGuard {
 public:
-    /** `name`, the program's, begins the line. */
-    explicit DisplayGuard(const char* name);
+    /** `name`, the program's, begins the line, and `advice` ends it. */
+    explicit DisplayGuard(const char* name, const char* advice = "");
     ~DisplayGuard();
     DisplayGuard(const DisplayGuard&) = delete;
     DisplayGuard& operator=(const DisplayGuard&) = delete;

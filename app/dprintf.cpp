@@ -2,6 +2,7 @@
 
 #include "app/limits.h"
 
+#include <QByteArray>
 #include <QtDebug>
 
 #include <cstdarg>
@@ -30,14 +31,37 @@ static_assert(std::size(lvlString) == 6, "one row a level");
 constexpr char colourReset[] = "\x1B[0m";
 constexpr char programTag[] = "vireo";
 
+bool colours = true;
+int printing = -1;
+
 /** Writes the prefix of levels 2 to 4 and returns its length; the other levels have none. */
-std::size_t writePrefix(int level, char* line)
+int writePrefix(int level, char* line)
 {
     if (level < 2 || level > 4)
         return 0;
     const LevelStyle& style = lvlString[level];
-    return std::size_t(std::snprintf(line, limits::logLineBytes, "[ %s%s@%s%s ] ", style.colour, style.tag,
-                                     programTag, colourReset));
+    return std::snprintf(line, limits::logLineBytes, "[ %s%s@%s%s ] ", colours ? style.colour : "", style.tag,
+                         programTag, colours ? colourReset : "");
+}
+
+bool isShown(const char* text)
+{
+    const auto byte = static_cast<unsigned char>(*text);
+    const bool isControl = byte < 0x20 || byte == 0x7F;
+    return !isControl || (byte == '\n' && text[1] == '\0');
+}
+
+QByteArray withoutControls(const char* text)
+{
+    static constexpr char digits[] = "0123456789abcdef";
+    QByteArray shown;
+    for (; *text != '\0'; ++text) {
+        if (isShown(text))
+            shown += *text;
+        else
+            shown.append("\\x").append(digits[*text >> 4]).append(digits[*text & 0xF]);
+    }
+    return shown;
 }
 
 } // namespace
@@ -47,10 +71,22 @@ void debugPrint(int level, const char* format, ...)
     if (level < debugLevel)
         return;
     char line[limits::logLineBytes];
-    const std::size_t prefix = writePrefix(level, line);
+    const int prefix = writePrefix(level, line);
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(line + prefix, limits::logLineBytes - prefix, format, arguments);
+    std::vsnprintf(line + prefix, std::size_t(limits::logLineBytes - prefix), format, arguments);
     va_end(arguments);
-    qDebug("%s", line);
+    printing = level;
+    qDebug("%.*s%s", prefix, line, withoutControls(line + prefix).constData());
+    printing = -1;
+}
+
+int printedLevel()
+{
+    return printing;
+}
+
+void printWithoutColours()
+{
+    colours = false;
 }

@@ -1,5 +1,7 @@
+#include "app/arguments.h"
 #include "app/displayguard.h"
 #include "app/dprintf.h"
+#include "app/journal.h"
 #include "app/qtcompat.h"
 #include "app/servicemanager.h"
 #include "app/version.h"
@@ -10,22 +12,22 @@
 #include <QTextCodec>
 #include <QtDebug>
 
-#include <algorithm>
-#include <climits>
 #include <csignal>
-#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
-constexpr int errorsOnly = 4;
-constexpr int silence = 5;
-
-/** The print threshold of the command line: a decimal number; text counts as 0, which prints everything. */
-int thresholdFrom(int argc, char** argv)
+/** Descriptors 0 to 2 belong to the standard streams: were one of them free, the link's socket or a file
+ * would get its number, and the log with it. */
+void occupyStandardStreams()
 {
-    if (argc == 1)
-        return errorsOnly;
-    return int(std::clamp(std::strtol(argv[1], nullptr, 10), long(INT_MIN), long(silence)));
+    int descriptor = STDIN_FILENO;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor > STDERR_FILENO)
+        ::close(descriptor);
 }
 
 /** One message of three items, each followed by one blank. */
@@ -58,6 +60,10 @@ void reportKoreanFonts()
 
 int main(int argc, char** argv)
 {
+    occupyStandardStreams();
+    if (const auto status = Arguments::answerQuestion(argc, argv))
+        return *status;
+    speakToJournal();
     // A log reader that goes away must not take the panel with it.
     std::signal(SIGPIPE, SIG_IGN);
     // The unit's screen is 320x240 device pixels and a font point the same pixels everywhere.
@@ -68,9 +74,11 @@ int main(int argc, char** argv)
     DisplayGuard display("vireo");
     QApplication application(argc, argv);
     display.release();
+    if (const auto status = Arguments::answer(argc, argv))
+        return *status;
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 
-    debugLevel = thresholdFrom(argc, argv);
+    debugLevel = Arguments::threshold(argc, argv);
     printBanner();
     announceThreshold();
     reportKoreanFonts();

@@ -64,6 +64,53 @@ private slots:
         QCOMPARE(log.lines(), QStringList(QStringLiteral("line\n")));
     }
 
+    void controlBytesShowAsEscapes()
+    {
+        LogCatcher log;
+        for (int byte = 0x01; byte <= 0x7F; ++byte) {
+            if (byte >= 0x20 && byte < 0x7F)
+                continue;
+            log.clear();
+            const char text[] = {'a', char(byte), 'b', '\0'};
+            DPRINTF(1, "%s", text);
+            const QString escape = QStringLiteral("a\\x%1b").arg(byte, 2, 16, QLatin1Char('0'));
+            QCOMPARE(log.lines(), QStringList(escape));
+        }
+    }
+
+    void whatIsNoControlByteStays()
+    {
+        LogCatcher log;
+        QByteArray text;
+        for (int byte = 0x20; byte < 0x7F; ++byte)
+            text += char(byte);
+        text += QString::fromUtf8("노래 é").toUtf8();
+        DPRINTF(4, "%s", text.constData());
+        QCOMPARE(log.plain(), QStringList(QStringLiteral("E ") + QString::fromUtf8(text)));
+    }
+
+    void noTextPassesForAnotherLine()
+    {
+        LogCatcher log;
+        DPRINTF(2, "file [%s]\n", "a\n[ \x1B[35mERROR@vireo\x1B[0m ] forged");
+        QCOMPARE(log.plain(),
+                 QStringList(QStringLiteral("I file [a\\x0a[ \\x1b[35mERROR@vireo\\x1b[0m ] forged]\n")));
+    }
+
+    void onlyTheLastLineFeedStays()
+    {
+        LogCatcher log;
+        DPRINTF(1, "a\n\n");
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("a\\x0a\n")));
+    }
+
+    void longTextIsCutBeforeItIsEscaped()
+    {
+        LogCatcher log;
+        DPRINTF(1, "%s", QByteArray(20000, '\t').constData());
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("\\x09").repeated(8191)));
+    }
+
     void textEndsAtTheFirstZero()
     {
         QCOMPARE(utf8UntilZero(QByteArray("abc\0def", 7)), QStringLiteral("abc"));

@@ -21,6 +21,7 @@ private slots:
             row("xcb", "could not connect to display :32767");
             row("linuxfb:fb=/no/such/device", "/no/such/device");
             row("nosuch", "\"nosuch\"");
+            row("", "could not connect to display :32767");
         }
     }
     void oneLineAndStatusOne()
@@ -29,6 +30,7 @@ private slots:
         QFETCH(QString, platform);
         QFETCH(QString, reason);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
         environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":32767"));
         QProcess process;
@@ -42,6 +44,8 @@ private slots:
         QVERIFY2(printed.startsWith(program.section(QLatin1Char('/'), -1) + QStringLiteral(": no display: ")),
                  qPrintable(printed));
         QCOMPARE(printed.count(QLatin1Char('\n')), 1);
+        QCOMPARE(printed.endsWith(QStringLiteral("; send and script work without one\n")),
+                 program == QStringLiteral(SUPERVISOR_PROGRAM));
     }
 };
 

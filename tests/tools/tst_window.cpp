@@ -304,32 +304,6 @@ private slots:
         QCOMPARE(line.place.value_or(QPoint()), QPoint(340, -20));
         QVERIFY(!CommandLine::parse({}).place);
     }
-
-    void withoutADisplayItSaysSo_data()
-    {
-        QTest::addColumn<QString>("platform");
-        QTest::addColumn<QString>("missing");
-        QTest::newRow("nothing set") << QString() << "DISPLAY and WAYLAND_DISPLAY are";
-        QTest::newRow("X11 wished for") << QStringLiteral("xcb") << "DISPLAY is";
-        QTest::newRow("Wayland wished for") << QStringLiteral("wayland") << "WAYLAND_DISPLAY is";
-    }
-    void withoutADisplayItSaysSo()
-    {
-        QFETCH(QString, platform);
-        QFETCH(QString, missing);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-            environment.remove(QString::fromLatin1(name));
-        if (!platform.isEmpty())
-            environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
-        const SupervisorRun run = runSupervisor({}, {}, environment);
-        QCOMPARE(run.exitCode, 1);
-        QCOMPARE(run.out, QString());
-        QCOMPARE(run.err,
-                 QStringLiteral("vireo-supervisor: no display for the window (%1 not set); send and "
-                                "script work without one\n")
-                     .arg(missing));
-    }
 };
 
 VIREO_TEST_MAIN(WindowTest)

@@ -1,7 +1,6 @@
 #include "app/displayguard.h"
 #include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/commandline.h"
-#include "tools/supervisor/display.h"
 #include "tools/supervisor/look.h"
 #include "tools/supervisor/script.h"
 #include "tools/supervisor/supervisorwindow.h"
@@ -22,10 +21,7 @@ QStringList textArguments(int argc, char** argv)
 
 int runWindow(int& argc, char** argv, const CommandLine& commandLine)
 {
-    const QString problem = displayProblem();
-    if (!problem.isEmpty())
-        return failure(problem);
-    DisplayGuard display("vireo-supervisor");
+    DisplayGuard display("vireo-supervisor", "; send and script work without one");
     QApplication application(argc, argv);
     display.release();
     Look::dress(application);
