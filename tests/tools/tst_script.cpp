@@ -205,6 +205,16 @@ private slots:
         QCOMPARE(panel.connections, 0);
     }
 
+    void titleThatIsCutNamesItsLine()
+    {
+        FakePanel panel;
+        const SupervisorRun run = runText(panel, "level 1\nstation " + QByteArray(300, 't') + " u\n");
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(
+            run.err,
+            QStringLiteral("vireo-supervisor: standard input:2: station: the title was cut to 255 bytes\n"));
+    }
+
     void filesAreRelativeToTheScript()
     {
         QTemporaryDir dir;

@@ -4,6 +4,8 @@
 #include "tests/tools/supervisorrun.h"
 #include "tools/supervisor/commandline.h"
 
+#include <QTemporaryDir>
+
 class SendTest : public QObject {
     Q_OBJECT
 
@@ -39,6 +41,32 @@ private slots:
         QCOMPARE(send(panel, {QStringLiteral("upgrade-message"), text}).exitCode, 0);
         QTRY_COMPARE(panel.closed, 1);
         QCOMPARE(panel.bytes, QByteArray::fromHex("1000ffff") + text.toLatin1());
+    }
+
+    void namesAreSentAsTheirBytes()
+    {
+        QTemporaryDir dir;
+        FakePanel panel;
+        const SupervisorRun run = runSupervisorInShell(
+            dir.path(),
+            QStringLiteral("name=$(printf 'caf\\351 \\354\\235\\264.mp3') && : > \"$name\" && "
+                           "\"$0\" --port $1 send file \"$name\""),
+            panel.portText());
+        QCOMPARE(run.err, QString());
+        QCOMPARE(run.exitCode, 0);
+        QTRY_COMPARE(panel.packets.size(), 1);
+        QCOMPARE(panel.packets[0].mid(4), dir.path().toUtf8() + "/caf\xE9 \xEC\x9D\xB4.mp3");
+    }
+
+    void titleThatIsCutSaysSo()
+    {
+        FakePanel panel;
+        const QString title = QString(254, QLatin1Char('t')) + QChar(0xAC00); // three bytes
+        const SupervisorRun run = send(panel, {QStringLiteral("station"), title, QStringLiteral("u")});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.err, QStringLiteral("vireo-supervisor: station: the title was cut to 254 bytes\n"));
+        QTRY_COMPARE(panel.packets.size(), 1);
+        QCOMPARE(panel.packets[0].size(), 4 + 256 + 1);
     }
 
     void requestPrintsTheName_data()

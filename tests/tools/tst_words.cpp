@@ -1,7 +1,10 @@
 #include "link/packet.h"
 #include "tests/support/panelmain.h"
+#include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/modeanswers.h"
 #include "tools/supervisor/words.h"
+
+#include <algorithm>
 
 #include <QTemporaryDir>
 
@@ -324,6 +327,33 @@ private slots:
         for (const QString& chunk : chunks)
             taken += answers.take(QByteArray::fromHex(chunk.toLatin1()));
         QCOMPARE(taken, codes);
+    }
+
+    void anyBytesComeBackFromText_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        const auto row = [](const char* name, const QByteArray& bytes) { QTest::newRow(name) << bytes; };
+        row("plain", "plain");
+        row("characters of two to four bytes", "\xC3\xA9 \xEC\x9D\xB4 \xF0\x9F\x8E\xB5");
+        row("Latin-1", "caf\xE9 na\xEFve");
+        row("cut character", "a\xEC\x9D");
+        row("surrogate in UTF-8", "\xED\xB2\x80");
+        row("byte-order mark", "\xEF\xBB\xBF name");
+        row("too long a form", "\xC0\x80\xF8\x88\x80\x80\x80");
+        QByteArray all;
+        for (int byte = 0; byte < 256; ++byte)
+            all += char(byte);
+        row("every byte", all);
+        std::reverse(all.begin(), all.end());
+        row("every byte downwards", all);
+    }
+    void anyBytesComeBackFromText()
+    {
+        QFETCH(QByteArray, bytes);
+        QCOMPARE(bytesOf(textOf(bytes)), bytes);
+        const QString text = QString::fromUtf8(bytes);
+        if (text.toUtf8() == bytes)
+            QCOMPARE(textOf(bytes), text);
     }
 };
 

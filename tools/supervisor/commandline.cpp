@@ -243,6 +243,8 @@ int runSend(const CommandLine& commandLine)
     const ParsedWords parsed = parseWords(commandLine.words);
     if (!parsed.ok())
         return failure(parsed.error);
+    if (!parsed.remark.isEmpty())
+        remark(parsed.remark);
     PanelSession panel(commandLine.answerTimeoutMs);
     if (!panel.open(commandLine.host, commandLine.port))
         return failure(panel.errorString(), ExitStatus::NoPanel);

@@ -203,6 +203,8 @@ Script Script::parse(const QString& name, const QByteArray& text, const QDir& fo
             break;
         }
         script.lines.append({number, parsed.action});
+        if (!parsed.remark.isEmpty())
+            script.remarks << placed(name, number, parsed.remark);
     }
     return script;
 }
@@ -212,5 +214,7 @@ int runScript(const CommandLine& commandLine)
     const Script script = Script::load(commandLine.words[0]);
     if (!script.ok())
         return failure(script.error);
+    for (const QString& line : script.remarks)
+        remark(line);
     return Runner(script, commandLine.answerTimeoutMs).run(commandLine.host, commandLine.port);
 }

@@ -15,6 +15,7 @@ struct Script {
     QString name; ///< as messages show it
     QList<ScriptLine> lines;
     QString error; ///< one line, with the place; empty when every line was understood
+    QStringList remarks = {}; ///< one line each, with the place: what cannot be sent as it is said
 
     bool ok() const { return error.isEmpty(); }
 

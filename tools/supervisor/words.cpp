@@ -1,12 +1,13 @@
 #include "tools/supervisor/words.h"
 
 #include "link/packet.h"
-
-#include <QFileInfo>
+#include "tools/supervisor/bytetext.h"
 
 #include <algorithm>
 #include <iterator>
 #include <vector>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -39,6 +40,7 @@ struct Built {
     QByteArray data;
     int value = 0;
     QString error;
+    QString remark = {};
 };
 
 Built failed(const QString& reason)
@@ -122,14 +124,16 @@ Built playMode(const Call& call)
                       : failed(QStringLiteral("needs one of ") + joined(wire::playTypes, ", "));
 }
 
+/** The name is sent as it is, in UTF-8 or not; the toolkit could not look for the latter. */
 Built filePath(const Call& call)
 {
-    const QFileInfo file(call.folder, call.values[0]);
-    if (call.values[0].isEmpty() || !file.exists())
+    const QByteArray path = bytesOf(QDir::cleanPath(call.folder.absoluteFilePath(call.values[0])));
+    struct stat file = {};
+    if (call.values[0].isEmpty() || stat(path.constData(), &file) != 0)
         return failed(QStringLiteral("no such file: \"%1\"").arg(call.values[0]));
-    if (file.isDir())
+    if (S_ISDIR(file.st_mode))
         return failed(QStringLiteral("\"%1\" is a folder").arg(call.values[0]));
-    return {QDir::cleanPath(file.absoluteFilePath()).toUtf8(), 0, {}};
+    return {path, 0, {}};
 }
 
 /** A field of one or two digits below `bound`, binary-coded; -1 when it is none. */
@@ -179,7 +183,7 @@ Built diskInfo(const Call& call)
 /** The text in UTF-8, cut between two characters so that it takes at most `most` bytes. */
 QByteArray utf8AtMost(const QString& text, int most)
 {
-    QByteArray bytes = text.toUtf8();
+    QByteArray bytes = bytesOf(text);
     if (bytes.size() <= most)
         return bytes;
     int end = most;
@@ -192,16 +196,19 @@ QByteArray utf8AtMost(const QString& text, int most)
 Built station(const Call& call)
 {
     constexpr int titleField = 256; // its last byte is always zero
-    QByteArray data = utf8AtMost(call.values[0], titleField - 1);
-    data.append(QByteArray(titleField - data.size(), '\0'));
-    return {data + call.values[1].toUtf8(), 0, {}};
+    const QByteArray title = utf8AtMost(call.values[0], titleField - 1);
+    const QByteArray padding(titleField - title.size(), '\0');
+    Built built = {title + padding + bytesOf(call.values[1]), 0, {}};
+    if (title != bytesOf(call.values[0]))
+        built.remark = QStringLiteral("the title was cut to %1 bytes").arg(title.size());
+    return built;
 }
 
 Built message(const Call& call)
 {
     if (call.values[0].isEmpty())
         return failed(QStringLiteral("the text is empty"));
-    return {call.values[0].toUtf8(), 0, {}};
+    return {bytesOf(call.values[0]), 0, {}};
 }
 
 Built request(const Call&)
@@ -350,14 +357,16 @@ QString wrongNumber(const Word& word, int given)
 
 ParsedWords packed(const Word& word, const Built& built)
 {
+    const QString prefix = word.name + QStringLiteral(": ");
     if (!built.error.isEmpty())
-        return {{}, word.name + QStringLiteral(": ") + built.error};
+        return {{}, prefix + built.error};
     const Command command = word.phrase.command;
     if (command == noCommand)
         return {{word.kind, built.data, built.value}, {}};
     if (built.data.size() > mostDataBytes)
-        return {{}, word.name + QStringLiteral(": longer than a packet can be")};
-    return {{word.kind, packetOf(command, built.data), built.value}, {}};
+        return {{}, prefix + QStringLiteral("longer than a packet can be")};
+    const QString remark = built.remark.isEmpty() ? QString() : prefix + built.remark;
+    return {{word.kind, packetOf(command, built.data), built.value}, {}, remark};
 }
 
 } // namespace

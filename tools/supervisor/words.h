@@ -29,6 +29,7 @@ struct Action {
 struct ParsedWords {
     Action action;
     QString error; ///< one line; empty when the words were understood
+    QString remark = {}; ///< one line: what could not be sent as it was said; mostly empty
 
     bool ok() const { return error.isEmpty(); }
 };
