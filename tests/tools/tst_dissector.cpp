@@ -1,0 +1,167 @@
+#include "link/packet.h"
+#include "tests/support/panelmain.h"
+#include "tests/support/unitroot.h"
+#include "tools/supervisor/script.h"
+
+#include <QProcess>
+
+namespace {
+
+const QString demo = QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/");
+
+/** One chunk on the wire. */
+struct Chunk {
+    bool fromPanel;
+    QByteArray bytes;
+};
+
+/** What ran and what it printed; a program that is missing or fails shows. */
+QString output(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(60000) || process.exitCode() != 0)
+        qFatal("%s: %s", qPrintable(program), process.readAllStandardError().constData());
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+/** A capture of the chunks in that order, as the dissector shows it: a line a chunk. */
+QStringList dissected(const QList<Chunk>& chunks, const char* field = "vireo.words")
+{
+    UnitRoot folder;
+    const QString text = folder.path(QStringLiteral("/chunks.txt"));
+    const QString capture = folder.path(QStringLiteral("/chunks.pcap"));
+    QByteArray dump;
+    for (const Chunk& chunk : chunks)
+        dump += (chunk.fromPanel ? "O\n0000 " : "I\n0000 ") + chunk.bytes.toHex(' ') + '\n';
+    UnitRoot::write(text, dump);
+    output(QStringLiteral("text2pcap"),
+           {QStringLiteral("-q"), QStringLiteral("-D"), QStringLiteral("-T"),
+            QStringLiteral("40000,%1").arg(linkPort), text, capture});
+    const QString lines =
+        output(QStringLiteral("tshark"),
+               {QStringLiteral("-n"), QStringLiteral("-r"), capture, QStringLiteral("-X"),
+                QStringLiteral("lua_script:" VIREO_SOURCE_DIR "/tools/vireo.lua"), QStringLiteral("-T"),
+                QStringLiteral("fields"), QStringLiteral("-e"), QString::fromLatin1(field)});
+    return lines.split(QLatin1Char('\n')).mid(0, chunks.size());
+}
+
+Chunk modeReport(int code)
+{
+    return {true, packetOf(Command::Request, QByteArray(1, char(code)))};
+}
+
+/** Words as the dissector says them: paths are whole and times have all their digits. */
+QString shown(QStringList words, const QDir& folder)
+{
+    if (words[0] == QLatin1String("file"))
+        words[1] = QDir::cleanPath(folder.absoluteFilePath(words[1]));
+    if (words[0] == QLatin1String("time"))
+        words[1].prepend(QLatin1Char('0'));
+    return words.join(QLatin1Char(' '));
+}
+
+/** Every packet of one byte that the vocabulary has words for, and how they are said. */
+QMap<QByteArray, QString> vocabulary()
+{
+    QMap<QByteArray, QString> said;
+    const auto add = [&said](const wire::CommandRow& row, int byte, const QString& words) {
+        said.insert(packetOf(row.command, QByteArray(1, char(byte))),
+                    QLatin1String(row.word) + QLatin1Char(' ') + words);
+    };
+    for (const wire::CommandRow& row : wire::commands) {
+        for (const wire::Term& term : row.data.terms) {
+            add(row, term.value, QLatin1String(term.word));
+            if (row.command == Command::Key)
+                add(row, term.value | wire::longPress, QLatin1String("long-") + QLatin1String(term.word));
+        }
+        if (row.data.number)
+            add(row, row.data.most, QString::number(row.data.most));
+    }
+    return said;
+}
+
+} // namespace
+
+/** tools/vireo.lua in the capture program that it is for. */
+class DissectorTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    /** Every line of the demo unit's scripts, with the answers that they expect. */
+    void demoSession()
+    {
+        const QDir scripts(demo + QStringLiteral("scripts"));
+        QList<Chunk> chunks;
+        QStringList expected;
+        for (const QString& name : scripts.entryList({QStringLiteral("*.txt")})) {
+            const QStringList lines =
+                QString::fromUtf8(UnitRoot::read(scripts.filePath(name))).split(QLatin1Char('\n'));
+            for (const ScriptLine& line : Script::load(scripts.filePath(name)).lines) {
+                const QStringList words = splitLine(lines.at(line.number - 1)).words;
+                const bool asks = line.action.kind == Action::Kind::Expect;
+                if (line.action.packet.isEmpty())
+                    continue;
+                chunks << Chunk{false, line.action.packet};
+                expected << (asks ? QStringLiteral("request") : shown(words, scripts));
+                if (asks) {
+                    chunks << modeReport(line.action.value);
+                    expected << QStringLiteral("report ") + words[1];
+                }
+            }
+        }
+        QVERIFY(chunks.size() > 100);
+        QCOMPARE(dissected(chunks), expected);
+    }
+
+    void wordsAreTheVocabularys()
+    {
+        const auto said = vocabulary();
+        QVERIFY(said.size() > 30);
+        QList<Chunk> chunks;
+        for (const QByteArray& packet : said.keys())
+            chunks << Chunk{false, packet};
+        QCOMPARE(dissected(chunks), QStringList(said.values()));
+    }
+
+    void modesAreTheVocabularys()
+    {
+        QList<Chunk> chunks;
+        QStringList expected;
+        for (const wire::Term& mode : wire::modes) {
+            chunks << modeReport(mode.value);
+            expected << QStringLiteral("report ") + QLatin1String(mode.word);
+        }
+        QCOMPARE(dissected(chunks), expected);
+    }
+
+    void bytesWithoutAMeaningStayNumbers()
+    {
+        const QStringList words = dissected({{false, QByteArray::fromHex("0500010008")},
+                                             {false, QByteArray::fromHex("1100010007")},
+                                             {false, QByteArray::fromHex("0d00010007")},
+                                             modeReport(99)});
+        QCOMPARE(words.join(QLatin1String(", ")),
+                 QStringLiteral("key (0x08), aoe (0x07), request (7), report (99)"));
+    }
+
+    /** As the panel cuts it: junk costs a byte, what does not fit is no packet. */
+    void chunksAreCutAsThePanelCutsThem()
+    {
+        const QList<Chunk> chunks = {
+            {false, QByteArray::fromHex("ff0500010001") + QByteArray::fromHex("0500010002")},
+            {false, QByteArray::fromHex("01004000616263")},
+            {false, QByteArray::fromHex("0500030001")},
+        };
+        QCOMPARE(
+            dissected(chunks),
+            (QStringList{QStringLiteral("key stop,key play-pause"), QString(), QStringLiteral("key stop")}));
+        QCOMPARE(dissected(chunks, "vireo.junk"),
+                 (QStringList{QStringLiteral("ff"), QStringLiteral("01004000616263"), QString()}));
+        QCOMPARE(dissected(chunks, "vireo.missing"),
+                 (QStringList{QString(), QString(), QStringLiteral("2")}));
+    }
+};
+
+VIREO_TEST_MAIN(DissectorTest)
+#include "tst_dissector.moc"
