@@ -60,3 +60,13 @@ void speakToJournal()
     printWithoutColours();
     qInstallMessageHandler(print);
 }
+
+void noteInJournal(const QByteArray& text, bool notable)
+{
+    if (!standardErrorIsJournal())
+        return;
+    if (notable)
+        qWarning("%s", text.constData());
+    else
+        qInfo("%s", text.constData());
+}

@@ -1,6 +1,7 @@
 #include "link/tcp_server.h"
 
 #include "app/dprintf.h"
+#include "app/journal.h"
 #include "app/limits.h"
 #include "app/servicemanager.h"
 
@@ -26,6 +27,12 @@ QByteArray nameOf(const QTcpSocket& socket)
     const QString text = isVersion4 ? address.toString()
                                     : QLatin1Char('[') + socket.peerAddress().toString() + QLatin1Char(']');
     return text.toLatin1() + ':' + QByteArray::number(socket.peerPort());
+}
+
+QByteArray changeOfPeers(const QTcpSocket& before, const QTcpSocket& after)
+{
+    const QByteArray came = "Supervisor " + nameOf(after) + " connected";
+    return isConnected(before) ? came + "; " + nameOf(before) + " is no longer served" : came;
 }
 
 /** Appends a socket to a list that holds so many at most; the oldest goes. */
@@ -85,6 +92,7 @@ void tcp_server::serveArrived()
         receiveWaiting();
         if (m_held)
             return;
+        noteInJournal(changeOfPeers(*m_client, *m_arrived.first()), isConnected(*m_client));
         retire(m_client);
         m_client = m_arrived.takeFirst();
         m_client->setReadBufferSize(anyNumberOfBytes);

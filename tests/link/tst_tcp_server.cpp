@@ -3,6 +3,7 @@
 #include "tests/support/logcatcher.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/signalrecorder.h"
+#include "tests/support/standarderror.h"
 #include "tests/support/strings.h"
 
 #include <QSignalSpy>
@@ -267,6 +268,29 @@ private slots:
         const auto second = newPeer(server);
         QVERIFY(first && second);
         QCOMPARE(log.lines(), QStringList());
+    }
+
+    void journalHearsWhoCameAndWhoIsNoLongerServed()
+    {
+        const auto named = [](const QTcpSocket& peer) {
+            return "127.0.0.1:" + QByteArray::number(peer.localPort());
+        };
+        tcp_server server(nullptr);
+        LogCatcher log(5);
+        server.operateServer();
+        std::unique_ptr<QTcpSocket> first;
+        std::unique_ptr<QTcpSocket> second;
+        {
+            const StandardError error(true);
+            first = newPeer(server);
+            second = newPeer(server);
+        }
+        QVERIFY(first && second);
+        const QByteArray later =
+            "Supervisor " + named(*second) + " connected; " + named(*first) + " is no longer served";
+        QCOMPARE(
+            log.lines(),
+            QStringList({QLatin1String("Supervisor " + named(*first) + " connected"), QLatin1String(later)}));
     }
 
     void heldServerLeavesBytesToTheirPeer()
