@@ -43,5 +43,4 @@ private:
     std::unique_ptr<Ui::AOEForm> ui;
     QString m_ipAddress;
     QString m_sampleRate;
-    [[maybe_unused]] int m_spare = 0; // nothing uses it
 };

@@ -2,7 +2,8 @@
 
 #include "app/dprintf.h"
 #include "ui_menuform.h"
-#include "widgets/ownimage.h"
+
+#include <QFile>
 
 #include <algorithm>
 #include <iterator>
@@ -50,8 +51,8 @@ void MenuForm::addSlides()
 {
     for (const MenuEntry& entry : entries) {
         const QString icon = QLatin1String(entry.icon);
-        if (hasOwnImage(icon))
-            ui->wgFlow->addOwnSlide(icon);
+        if (QFile::exists(icon))
+            ui->wgFlow->addResourceSlide(icon);
     }
 }
 

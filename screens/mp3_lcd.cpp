@@ -6,7 +6,7 @@
 #include "screens/panelfont.h"
 #include "screens/playicon.h"
 #include "ui_mp3_lcd.h"
-#include "widgets/ownimage.h"
+#include "widgets/resourceimage.h"
 
 #include <QImage>
 
@@ -37,7 +37,7 @@ static_assert(std::size(modeImages) == std::size_t(PlayMode::RepeatOne) + 1, "on
 
 QPixmap modeIcon(PlayMode mode)
 {
-    return ownPixmap(QLatin1String(modeImages[std::size_t(mode)]));
+    return resourcePixmap(QLatin1String(modeImages[std::size_t(mode)]));
 }
 
 void showWidgets(std::initializer_list<QWidget*> widgets)

@@ -2,7 +2,6 @@
 
 #include "tags/taginfomation.h"
 
-#include <QPalette>
 #include <QPixmap>
 #include <QWidget>
 
@@ -66,8 +65,6 @@ private:
     QPixmap CreateShadowImg(QPixmap pixmap);
 
     std::unique_ptr<Ui::mp3_lcd> ui;
-    QPixmap m_sparePixmap; // no slot uses it
-    QPalette m_palette; // no slot uses it
     QString m_title;
     QString m_artist;
     QString m_album;

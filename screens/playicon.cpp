@@ -1,6 +1,6 @@
 #include "screens/playicon.h"
 
-#include "widgets/ownimage.h"
+#include "widgets/resourceimage.h"
 
 #include <iterator>
 
@@ -17,5 +17,5 @@ static_assert(std::size(images) == std::size_t(PlayIcon::Previous) + 1, "one ima
 
 QPixmap playIcon(PlayIcon icon)
 {
-    return ownPixmap(QLatin1String(images[std::size_t(icon)]));
+    return resourcePixmap(QLatin1String(images[std::size_t(icon)]));
 }

@@ -1,6 +1,6 @@
 #include "widgets/imagelabel.h"
 
-#include "widgets/ownimage.h"
+#include "widgets/resourceimage.h"
 
 #include <utility>
 
@@ -35,7 +35,7 @@ void ImageLabel::decode()
     const QString path = std::exchange(m_image, QString());
     if (!pixmap(Qt::ReturnByValue).isNull())
         return;
-    const QPixmap decoded = ownPixmap(path);
+    const QPixmap decoded = resourcePixmap(path);
     // A ground need not be painted over what lies behind it each time that something before it changes.
     setAttribute(Qt::WA_OpaquePaintEvent, !decoded.hasAlphaChannel() && decoded.size() == size());
     setPixmap(decoded);

@@ -1,9 +1,9 @@
 #include "widgets/pictureflow.h"
 
-#include "widgets/ownimage.h"
 #include "widgets/pictureflowanimator.h"
 #include "widgets/pictureflowsoftwarerenderer.h"
 #include "widgets/pictureflowstate.h"
+#include "widgets/resourceimage.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -47,7 +47,7 @@ PictureFlow::Private::Private(PictureFlow* widget)
 void PictureFlow::Private::decode()
 {
     for (const auto& [index, path] : std::exchange(undecoded, {}))
-        *state.slideImages[std::size_t(index)] = ownImage(path);
+        *state.slideImages[std::size_t(index)] = resourceImage(path);
 }
 
 PictureFlow::PictureFlow(QWidget* parent)
@@ -126,7 +126,7 @@ const PictureFlowAnimator& PictureFlow::animator() const
     return d->animator;
 }
 
-void PictureFlow::addOwnSlide(const QString& path)
+void PictureFlow::addResourceSlide(const QString& path)
 {
     d->undecoded[slideCount()] = path;
     addSlide(QImage());

@@ -49,7 +49,7 @@ public:
 
     /** Adds a slide with an image of the program's own, which is decoded when it is first seen or asked for.
      */
-    void addOwnSlide(const QString& path);
+    void addResourceSlide(const QString& path);
 
     /** Where the strip stands and how it moves at this moment. */
     const PictureFlowState& state() const;

@@ -101,7 +101,7 @@ private slots:
     }
 
     /** What the file holds by then shows that nobody read it before. */
-    void ownImagesAreDecodedWhenTheyAreSeen()
+    void resourceImagesAreDecodedWhenTheyAreSeen()
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("slide.png"));
@@ -109,7 +109,7 @@ private slots:
         PictureFlow flow;
         flow.resize(320, 240);
         flow.setSlideSize(QSize(100, 100));
-        flow.addOwnSlide(path);
+        flow.addResourceSlide(path);
         QCOMPARE(flow.slideCount(), 1);
         QVERIFY(isRenderPending(flow));
         QVERIFY(slideOf(Qt::green).save(path));
@@ -118,24 +118,24 @@ private slots:
         QCOMPARE(flow.slide(0).pixelColor(5, 5), QColor(Qt::green));
     }
 
-    void ownImagesAreThereForWhoeverAsks()
+    void resourceImagesAreThereForWhoeverAsks()
     {
         const QString path = QStringLiteral(":/menuicon/image/usb_icon.png");
         PictureFlow flow;
-        flow.addOwnSlide(path);
+        flow.addResourceSlide(path);
         QCOMPARE(flow.slide(0), QImage(path));
-        flow.addOwnSlide(path);
+        flow.addResourceSlide(path);
         QCOMPARE(*flow.state().imageAt(1), QImage(path));
     }
 
-    void ownImagesAreReplacedUnseen()
+    void resourceImagesAreReplacedUnseen()
     {
         const QString path = QStringLiteral(":/menuicon/image/usb_icon.png");
         PictureFlow flow;
-        flow.addOwnSlide(path);
+        flow.addResourceSlide(path);
         flow.setSlide(0, slideOf(Qt::red));
         QCOMPARE(flow.slide(0), slideOf(Qt::red));
-        flow.addOwnSlide(path);
+        flow.addResourceSlide(path);
         flow.clear();
         flow.addSlide(slideOf(Qt::red));
         flow.addSlide(slideOf(Qt::red));

@@ -1,5 +1,5 @@
 #include "tests/support/panelmain.h"
-#include "widgets/ownimage.h"
+#include "widgets/resourceimage.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -7,7 +7,7 @@
 
 namespace {
 
-QStringList ownImages()
+QStringList resourceImages()
 {
     QStringList paths;
     for (const char* root : {":/Tessaro", ":/menuicon"}) {
@@ -27,44 +27,42 @@ bool anyPluginIsLoaded()
 } // namespace
 
 /** The images that are compiled into the program. */
-class OwnImageTest : public QObject {
+class ResourceImageTest : public QObject {
     Q_OBJECT
 
 private slots:
     /** First of all: what reads another image in this process loads them. */
     void noPluginIsAskedForThem()
     {
-        const QStringList paths = ownImages();
+        const QStringList paths = resourceImages();
         QVERIFY(!paths.isEmpty());
         for (const QString& path : paths) {
-            QVERIFY2(hasOwnImage(path), qPrintable(path));
-            QVERIFY2(!ownImage(path).isNull(), qPrintable(path));
-            QVERIFY2(!ownPixmap(path).isNull(), qPrintable(path));
+            QVERIFY2(!resourceImage(path).isNull(), qPrintable(path));
+            QVERIFY2(!resourcePixmap(path).isNull(), qPrintable(path));
         }
         QVERIFY(!anyPluginIsLoaded());
     }
 
     void theirPixelsAreThoseOfTheirFiles()
     {
-        for (const QString& path : ownImages()) {
+        for (const QString& path : resourceImages()) {
             const QImage expected(path);
-            QCOMPARE(ownImage(path), expected);
-            QCOMPARE(ownPixmap(path), QPixmap(path));
+            QCOMPARE(resourceImage(path), expected);
+            QCOMPARE(resourcePixmap(path), QPixmap(path));
         }
     }
 
     void thoseWhoShowOneShareIt()
     {
         const QString ground = QStringLiteral(":/Tessaro/image/init/background.png");
-        QCOMPARE(ownPixmap(ground).cacheKey(), ownPixmap(ground).cacheKey());
+        QCOMPARE(resourcePixmap(ground).cacheKey(), resourcePixmap(ground).cacheKey());
     }
 
     void whatIsNotThereIsNull()
     {
         const QString path = QStringLiteral(":/no/such/image.png");
-        QVERIFY(!hasOwnImage(path));
-        QVERIFY(ownImage(path).isNull());
-        QVERIFY(ownPixmap(path).isNull());
+        QVERIFY(resourceImage(path).isNull());
+        QVERIFY(resourcePixmap(path).isNull());
     }
 
     void whatIsOfAnotherFormatIsNull()
@@ -74,10 +72,9 @@ private slots:
         QVERIFY(QImage(4, 4, QImage::Format_RGB32).save(&file, "BMP"));
         QVERIFY(file.flush());
         QVERIFY(!QImage(file.fileName()).isNull());
-        QVERIFY(!hasOwnImage(file.fileName()));
-        QVERIFY(ownImage(file.fileName()).isNull());
+        QVERIFY(resourceImage(file.fileName()).isNull());
     }
 };
 
-VIREO_TEST_MAIN(OwnImageTest)
-#include "tst_ownimage.moc"
+VIREO_TEST_MAIN(ResourceImageTest)
+#include "tst_resourceimage.moc"

@@ -10,11 +10,8 @@
  * the image is one of theirs.
  */
 
-/** Whether there is such an image; does not decode it. */
-bool hasOwnImage(const QString& path);
-
 /** The image, null where there is none. */
-QImage ownImage(const QString& path);
+QImage resourceImage(const QString& path);
 
 /** The same to be shown. Those who show it share one copy. */
-QPixmap ownPixmap(const QString& path);
+QPixmap resourcePixmap(const QString& path);
