@@ -15,25 +15,10 @@ namespace {
 
 constexpr int nameServerLines = 2;
 
-/** Keeps the last line of an output of any length, and of that line no more than the bound. */
-class LastLine {
-public:
-    void feed(const QByteArray& output)
-    {
-        if (output.isEmpty())
-            return;
-        const auto start = output.chopped(1).lastIndexOf('\n') + 1;
-        if (start > 0 || m_complete)
-            m_text.clear();
-        m_text += output.mid(start).left(limits::systemTextBytes - m_text.size());
-        m_complete = output.endsWith('\n');
-    }
-    QByteArray text() const { return m_text; }
-
-private:
-    QByteArray m_text;
-    bool m_complete = true;
-};
+QByteArray lastLine(const QByteArray& output)
+{
+    return output.mid(output.lastIndexOf('\n', -2) + 1);
+}
 
 } // namespace
 
@@ -64,20 +49,23 @@ QStringList liveNameServers(QString& error)
 
 QByteArray lastRoute(int waitMs)
 {
-    LastLine last;
     // For every program that cannot be started the toolkit keeps a descriptor open.
     const QString program = QStandardPaths::findExecutable(QStringLiteral("route"));
     if (program.isEmpty())
         return {};
     QProcess route;
+    QByteArray output;
+    const auto read = [&] {
+        output = (output + route.readAllStandardOutput()).right(limits::systemTextBytes);
+    };
     route.setStandardErrorFile(QProcess::nullDevice());
     const QDeadlineTimer deadline(waitMs);
     route.start(program, {QStringLiteral("-n")});
     while (route.state() != QProcess::NotRunning && !deadline.hasExpired()) {
         route.waitForReadyRead(int(deadline.remainingTime()));
-        last.feed(route.readAllStandardOutput());
+        read();
     }
-    last.feed(route.readAllStandardOutput());
+    read();
     route.close();
-    return last.text();
+    return lastLine(output);
 }
