@@ -25,7 +25,7 @@ local modes = {
 }
 
 local port, headerBytes, titleBytes, askForMode = 5000, 4, 256, 8
-local firstCommand, lastCommand, modeReport, urlText = 1, 17, 13, 12
+local firstCommand, lastCommand, modeReport, urlText = 1, #commands, 13, 12
 
 local link = Proto("vireo", "Front-panel supervisor link")
 local fields = {
