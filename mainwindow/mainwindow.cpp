@@ -2,7 +2,7 @@
 
 #include "app/dprintf.h"
 #include "link/tcp_server.h"
-#include "protocol/paparser.h"
+#include "mainwindow/moderows.h"
 #include "screens/panelfont.h"
 #include "tags/qmp3parser.h"
 #include "tags/qtagparser.h"
@@ -57,19 +57,10 @@ void MainWindow::createParsers()
 
 void MainWindow::hideAllButLogo()
 {
-    QWidget* const hidden[] = {ui->lbl_background_alpha,
-                               ui->lb_sysup,
-                               ui->lb_sysup_bot,
-                               ui->lb_sysup_msg,
-                               ui->wg_AOE,
-                               ui->wg_NetBGM,
-                               ui->wg_IR,
-                               ui->wg_IRList,
-                               ui->wg_Menu,
-                               ui->wg_Setting,
-                               ui->wg_USB};
-    for (QWidget* widget : hidden)
-        widget->hide();
+    setOverlayVisible(false);
+    for (const ModeRow& row : modeRows())
+        if (row.screen)
+            row.screen(*ui)->hide();
 }
 
 void MainWindow::connectLink()

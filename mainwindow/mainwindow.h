@@ -22,7 +22,7 @@ namespace Ui {
 class MainWindow;
 }
 
-/** The states of the mode machine, in the order of their table. */
+/** The states of the mode machine, in the order in which they are made. */
 enum class ModeState {
     NormalModes,
     StartState,
@@ -43,8 +43,8 @@ constexpr std::size_t modeStates = std::size_t(ModeState::MenuMode) + 1;
  * and is the only place that wires them. Everything happens synchronously while the bytes of the supervisor
  * are read.
  *
- * Construction and permanent wiring are in mainwindow.cpp, the mode machine in mainwindow_machine.cpp, what
- * entering and leaving a mode does in mainwindow_modes.cpp; each other duty has a file of its own:
+ * Construction and permanent wiring are in mainwindow.cpp, the mode machine in mainwindow_machine.cpp, the
+ * modes in mainwindow_modes.cpp; each other duty has a file of its own:
  * mainwindow_receive.cpp the receive queue, mainwindow_report.cpp the mode report and the operating-mode
  * file, mainwindow_network.cpp the network restart, mainwindow_upgrade.cpp the upgrade notice.
  */
@@ -115,6 +115,9 @@ private:
     void CreateStatemachine();
     void createStates();
     void addTransitions();
+    void addRadioTransitions();
+    void addDepartures(ModeState from);
+    void addTransition(ModeState from, void (PAparser::*signal)(), ModeState to);
     void forgetStartState();
     void connectStateSlots();
     QState* state(ModeState id) const;
@@ -122,8 +125,12 @@ private:
     /** Records the last playback source; true when the file was written. In a long drain it is written at the
      * end of the turn, once, whatever the number of changes. */
     bool XmlWriteOpermode(QString type);
-    void connectSetupInput();
+    void enter(ModeState mode);
+    void leave(ModeState mode);
+    void connectInput(ModeState mode);
     void dropInput();
+    void standInMenu(ModeState mode);
+    void rememberInMenu(ModeState mode);
     void drain();
     void goOnInTheNextTurn();
     void endLongDrain();

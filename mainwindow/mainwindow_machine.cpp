@@ -1,121 +1,39 @@
-#include "mainwindow/mainwindow.h"
-#include "protocol/paparser.h"
-#include "ui_mainwindow.h"
+#include "mainwindow/moderows.h"
 
 #include <QHistoryState>
 #include <QSignalTransition>
 #include <QState>
 #include <QStateMachine>
 
-#include <iterator>
-#include <variant>
-
-/** The mode machine: its states and which mode follows which event. */
+/**
+ * The mode machine. What is regular in it follows from the rows of the modes: each leads to every other on
+ * the signal of that one's source, and to the menu on the long select key. What is not regular is written out
+ * here.
+ */
 
 namespace {
 
-using Signal = std::variant<void (PAparser::*)(), void (MenuForm::*)(), void (RadioListForm::*)()>;
+/** The states that are no modes. */
+const char* nameOf(ModeState id)
+{
+    switch (id) {
+    case ModeState::NormalModes:
+        return "NormalModes";
+    case ModeState::StartState:
+        return "StartState";
+    case ModeState::ModeHistory:
+        return "ModeHistory";
+    default:
+        return modeRow(id).name;
+    }
+}
 
-struct TransitionRow {
-    ModeState from;
-    Signal signal;
-    ModeState to;
-};
-
-/**
- * Two of these signals, sgDEVICE_Set_Enter and sgDEVICE_NetBGM_Enter, are carried by no packet: setup and
- * NetBGM are reached through the menu alone. While the menu shows, the NetBGM source changes nothing; from
- * the station list the menu cannot be opened; no state minds that a source goes away.
- */
-constexpr TransitionRow transitions[] = {
-    {ModeState::MenuMode, &PAparser::sgKEY_ESC, ModeState::ModeHistory},
-    {ModeState::StartState, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
-    {ModeState::StartState, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
-    {ModeState::StartState, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
-    {ModeState::StartState, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
-    {ModeState::StartState, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
-    {ModeState::StartState, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
-    {ModeState::IRMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
-    {ModeState::IRMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
-    {ModeState::IRMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
-    {ModeState::IRMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
-    {ModeState::IRList, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
-    {ModeState::IRList, &PAparser::sgKEY_ESC, ModeState::IRMain},
-    {ModeState::IRList, &RadioListForm::sgSetMain, ModeState::IRMain},
-    {ModeState::IRMain, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
-    {ModeState::IRMain, &PAparser::sgKEY_SELECT, ModeState::IRList},
-    {ModeState::USBMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
-    {ModeState::USBMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
-    {ModeState::USBMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
-    {ModeState::USBMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
-    {ModeState::USBMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
-    {ModeState::AOEMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
-    {ModeState::AOEMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
-    {ModeState::AOEMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
-    {ModeState::AOEMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
-    {ModeState::AOEMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
-    {ModeState::SetMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
-    {ModeState::SetMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
-    {ModeState::SetMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
-    {ModeState::SetMode, &PAparser::sgDEVICE_NetBGM_Enter, ModeState::NetBGMMode},
-    {ModeState::SetMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
-    {ModeState::NetBGMMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
-    {ModeState::NetBGMMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
-    {ModeState::NetBGMMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
-    {ModeState::NetBGMMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
-    {ModeState::NetBGMMode, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode},
-    {ModeState::MenuMode, &PAparser::sgDEVICE_USB_FRONT_Enter, ModeState::USBMode},
-    {ModeState::MenuMode, &PAparser::sgDEVICE_AOE_Enter, ModeState::AOEMode},
-    {ModeState::MenuMode, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain},
-    {ModeState::MenuMode, &PAparser::sgDEVICE_Set_Enter, ModeState::SetMode},
-    {ModeState::MenuMode, &MenuForm::sgUSBMode, ModeState::USBMode},
-    {ModeState::MenuMode, &MenuForm::sgAOEMode, ModeState::AOEMode},
-    {ModeState::MenuMode, &MenuForm::sgIRMode, ModeState::IRMode},
-    {ModeState::MenuMode, &MenuForm::sgSetupMode, ModeState::SetMode},
-    {ModeState::MenuMode, &MenuForm::sgNetBGMMode, ModeState::NetBGMMode},
-};
-static_assert(std::size(transitions) == 45, "every transition of the mode machine");
-
-using Slot = void (MainWindow::*)();
-
-struct StateSlotsRow {
-    ModeState state;
-    Slot entered;
-    Slot exited;
-};
-
-constexpr StateSlotsRow stateSlots[] = {
-    {ModeState::IRMode, &MainWindow::IRModeEntered, &MainWindow::IRModeExited},
-    {ModeState::IRList, &MainWindow::IRListEntered, &MainWindow::IRListExited},
-    {ModeState::IRMain, &MainWindow::IRMainEntered, &MainWindow::IRMainExited},
-    {ModeState::USBMode, &MainWindow::USBModeEntered, &MainWindow::USBModeExited},
-    {ModeState::AOEMode, &MainWindow::AOEModeEntered, &MainWindow::AOEModeExited},
-    {ModeState::MenuMode, &MainWindow::MenuModeEntered, &MainWindow::MenuModeExited},
-    {ModeState::SetMode, &MainWindow::SetModeEntered, &MainWindow::SetModeExited},
-    {ModeState::NetBGMMode, &MainWindow::NetBGMModeEntered, &MainWindow::NetBGMModeExited},
-};
-
-/** The states by name, as an object inspector shows them, with the state that each lies in; the machine holds
- * itself. */
-struct StateRow {
-    const char* name;
-    ModeState parent;
-};
-
-constexpr StateRow states[] = {
-    {"NormalModes", ModeState::NormalModes}, // in the machine
-    {"StartState", ModeState::NormalModes},
-    {"AOEMode", ModeState::NormalModes},
-    {"SetMode", ModeState::NormalModes},
-    {"USBMode", ModeState::NormalModes},
-    {"NetBGMMode", ModeState::NormalModes},
-    {"IRMode", ModeState::NormalModes},
-    {"IRList", ModeState::IRMode},
-    {"IRMain", ModeState::IRMode},
-    {"ModeHistory", ModeState::NormalModes},
-    {"MenuMode", ModeState::MenuMode}, // in the machine: leaving it is what the history is for
-};
-static_assert(std::size(states) == modeStates, "one row a state");
+/** The state that one lies in; those of the machine itself lie in themselves. */
+ModeState parentOf(ModeState id)
+{
+    const bool isMode = id != ModeState::StartState && id != ModeState::ModeHistory;
+    return isMode && id != ModeState::NormalModes ? modeRow(id).parent : ModeState::NormalModes;
+}
 
 QAbstractTransition* transitionTo(const QAbstractState* target, const QState& from)
 {
@@ -147,12 +65,12 @@ void MainWindow::createStates()
     m_machine->setObjectName(QStringLiteral("ModeMachine"));
     for (std::size_t i = 0; i < modeStates; ++i) {
         const auto id = ModeState(i);
-        QState* const parent = states[i].parent == id ? m_machine : state(states[i].parent);
+        QState* const parent = parentOf(id) == id ? m_machine : state(parentOf(id));
         if (id == ModeState::ModeHistory)
             m_states[i] = new QHistoryState(QHistoryState::ShallowHistory, parent);
         else
             m_states[i] = new QState(parent);
-        m_states[i]->setObjectName(QString::fromLatin1(states[i].name));
+        m_states[i]->setObjectName(QString::fromLatin1(nameOf(id)));
     }
     m_machine->setInitialState(state(ModeState::NormalModes));
     state(ModeState::NormalModes)->setInitialState(state(ModeState::StartState));
@@ -161,29 +79,56 @@ void MainWindow::createStates()
     history->setDefaultState(state(ModeState::SetMode));
 }
 
+void MainWindow::addTransition(ModeState from, void (PAparser::*signal)(), ModeState to)
+{
+    state(from)->addTransition(m_parser, signal, m_states[std::size_t(to)]);
+}
+
+/** No state minds that a source goes away. */
 void MainWindow::addTransitions()
 {
-    struct Add {
-        QState* from;
-        QAbstractState* to;
-        MainWindow* window;
-
-        void operator()(void (PAparser::*signal)()) const
-        {
-            from->addTransition(window->m_parser, signal, to);
-        }
-        void operator()(void (MenuForm::*signal)()) const
-        {
-            from->addTransition(window->ui->wg_Menu, signal, to);
-        }
-        void operator()(void (RadioListForm::*signal)()) const
-        {
-            from->addTransition(window->ui->wg_IRList, signal, to);
-        }
-    };
-    for (const TransitionRow& row : transitions)
-        std::visit(Add{state(row.from), m_states[std::size_t(row.to)], this}, row.signal);
+    addTransition(ModeState::MenuMode, &PAparser::sgKEY_ESC, ModeState::ModeHistory);
+    addDepartures(ModeState::StartState);
+    addTransition(ModeState::StartState, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode);
+    addDepartures(ModeState::IRMode);
+    addRadioTransitions();
+    for (const ModeRow& row : modeRows()) {
+        if (!row.chosen || row.state == ModeState::IRMode)
+            continue;
+        addDepartures(row.state);
+        addTransition(row.state, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode);
+    }
+    addDepartures(ModeState::MenuMode);
+    for (const ModeState to : sourceModes())
+        state(ModeState::MenuMode)->addTransition(ui->wg_Menu, modeRow(to).chosen, state(to));
     forgetStartState();
+}
+
+/** The menu cannot be opened from the station list. */
+void MainWindow::addRadioTransitions()
+{
+    addTransition(ModeState::IRList, &PAparser::sgDEVICE_IR_Enter, ModeState::IRMain);
+    addTransition(ModeState::IRList, &PAparser::sgKEY_ESC, ModeState::IRMain);
+    state(ModeState::IRList)
+        ->addTransition(ui->wg_IRList, &RadioListForm::sgSetMain, state(ModeState::IRMain));
+    addTransition(ModeState::IRMain, &PAparser::sgKEY_LONG_SELECT, ModeState::MenuMode);
+    addTransition(ModeState::IRMain, &PAparser::sgKEY_SELECT, ModeState::IRList);
+}
+
+/**
+ * To every other mode on the signal of its source. The start state and NetBGM have setup first; while the
+ * menu shows, the NetBGM source changes nothing; the radio is entered at its playing screen.
+ */
+void MainWindow::addDepartures(ModeState from)
+{
+    QList<ModeState> targets = sourceModes();
+    targets.removeOne(from);
+    if (from == ModeState::StartState || from == ModeState::NetBGMMode)
+        targets.move(targets.indexOf(ModeState::SetMode), 0);
+    if (from == ModeState::MenuMode)
+        targets.removeOne(ModeState::NetBGMMode);
+    for (const ModeState to : targets)
+        addTransition(from, modeRow(to).announced, to == ModeState::IRMode ? ModeState::IRMain : to);
 }
 
 /**
@@ -203,7 +148,7 @@ void MainWindow::forgetStartState()
 
 void MainWindow::connectStateSlots()
 {
-    for (const StateSlotsRow& row : stateSlots) {
+    for (const ModeRow& row : modeRows()) {
         connect(state(row.state), &QState::entered, this, row.entered);
         connect(state(row.state), &QState::exited, this, row.exited);
     }

@@ -1,10 +1,169 @@
 #include "app/dprintf.h"
 #include "config/unitpaths.h"
-#include "mainwindow/mainwindow.h"
-#include "protocol/paparser.h"
-#include "ui_mainwindow.h"
+#include "mainwindow/moderows.h"
 
-/** What entering and leaving each mode does. */
+#include <algorithm>
+#include <iterator>
+
+/** The modes: one row each, and what entering and leaving them does. */
+
+namespace {
+
+using S = ModeState;
+
+template <auto widget> QWidget* screenOf(const Ui::MainWindow& ui)
+{
+    return ui.*widget;
+}
+
+Connections playerInput(const Wiring& w)
+{
+    mp3_lcd* const player = w.ui.wg_USB;
+    return {
+        QObject::connect(w.parser, &PAparser::sgPlayTime, player, &mp3_lcd::showTime),
+        QObject::connect(w.parser, &PAparser::sgMasterLevel, player, &mp3_lcd::showLevel),
+        QObject::connect(w.parser, &PAparser::sgKEY_NEXT, player, &mp3_lcd::next_action),
+        QObject::connect(w.parser, &PAparser::sgKEY_PREV, player, &mp3_lcd::prev_action),
+    };
+}
+
+Connections aoeInput(const Wiring& w)
+{
+    AOEForm* const aoe = w.ui.wg_AOE;
+    return {
+        QObject::connect(w.parser, &PAparser::sgAoeInfo, aoe, &AOEForm::showAoeInfo),
+        QObject::connect(w.parser, &PAparser::sgMasterLevel, aoe, &AOEForm::showLevel),
+        QObject::connect(w.parser, &PAparser::sgAoeInfo, aoe, &AOEForm::showPlay),
+        QObject::connect(w.parser, &PAparser::sgAOE_STAT_FAIL, aoe, &AOEForm::showFailMSG),
+        QObject::connect(w.parser, &PAparser::sgAOE_STAT_OVER, aoe, &AOEForm::showOVERMSG),
+        QObject::connect(w.parser, &PAparser::sgAOE_STAT_OK, aoe, &AOEForm::showPlay),
+    };
+}
+
+Connections radioInput(const Wiring& w)
+{
+    IRForm* const radio = w.ui.wg_IR;
+    return {
+        QObject::connect(w.parser, &PAparser::sgIRInfo, radio, &IRForm::showIRInfo),
+        QObject::connect(w.parser, &PAparser::sgMasterLevel, radio, &IRForm::showLevel),
+        QObject::connect(w.parser, &PAparser::sgIRInfo, radio, &IRForm::showPlay),
+    };
+}
+
+Connections stationListInput(const Wiring& w)
+{
+    RadioListForm* const list = w.ui.wg_IRList;
+    return {
+        QObject::connect(w.parser, &PAparser::sgEncLeft, list, &RadioListForm::up_action),
+        QObject::connect(w.parser, &PAparser::sgEncRight, list, &RadioListForm::down_action),
+        QObject::connect(w.parser, &PAparser::sgKEY_SELECT, list, &RadioListForm::select_action),
+    };
+}
+
+Connections menuInput(const Wiring& w)
+{
+    MenuForm* const menu = w.ui.wg_Menu;
+    return {
+        QObject::connect(w.parser, &PAparser::sgEncLeft, menu, &MenuForm::prev_action),
+        QObject::connect(w.parser, &PAparser::sgEncRight, menu, &MenuForm::next_action),
+        QObject::connect(w.parser, &PAparser::sgKEY_SELECT, menu, &MenuForm::select_action),
+    };
+}
+
+Connections setupInput(const Wiring& w)
+{
+    SetupForm* const setup = w.ui.wg_Setting;
+    return {
+        QObject::connect(w.parser, &PAparser::sgEncLeft, setup, &SetupForm::prev_action),
+        QObject::connect(w.parser, &PAparser::sgEncRight, setup, &SetupForm::next_action),
+        QObject::connect(w.parser, &PAparser::sgKEY_SELECT, setup, &SetupForm::select_action),
+        QObject::connect(w.parser, &PAparser::sgKEY_ESC, setup, &SetupForm::esc_action),
+        QObject::connect(setup, &SetupForm::sgDhcpClose, w.window, &MainWindow::DhcpClosed),
+        QObject::connect(setup, &SetupForm::sgDhcpOpen, w.window, &MainWindow::DhcpOpened),
+        QObject::connect(setup, &SetupForm::sgLoadingMode, w.window, &MainWindow::LoadingModeEntered),
+    };
+}
+
+// clang-format off
+constexpr ModeRow rows[] = {
+    {S::IRMode, "IRMode", S::NormalModes, ModeCode::None, nullptr, MENUIDX_IR, nullptr, nullptr,
+     &PAparser::sgDEVICE_IR_Enter, &MenuForm::sgIRMode,
+     &MainWindow::IRModeEntered, &MainWindow::IRModeExited},
+    {S::IRList, "IRList", S::IRMode, ModeCode::IRList, screenOf<&Ui::MainWindow::wg_IRList>, noMenuEntry, nullptr, stationListInput,
+     nullptr, nullptr,
+     &MainWindow::IRListEntered, &MainWindow::IRListExited},
+    {S::IRMain, "IRMain", S::IRMode, ModeCode::IRMain, screenOf<&Ui::MainWindow::wg_IR>, noMenuEntry, "radio", radioInput,
+     nullptr, nullptr,
+     &MainWindow::IRMainEntered, &MainWindow::IRMainExited},
+    {S::USBMode, "USBMode", S::NormalModes, ModeCode::Usb, screenOf<&Ui::MainWindow::wg_USB>, MENUIDX_USB, "usb", playerInput,
+     &PAparser::sgDEVICE_USB_FRONT_Enter, &MenuForm::sgUSBMode,
+     &MainWindow::USBModeEntered, &MainWindow::USBModeExited},
+    {S::AOEMode, "AOEMode", S::NormalModes, ModeCode::Aoe, screenOf<&Ui::MainWindow::wg_AOE>, MENUIDX_AOE, "aoe", aoeInput,
+     &PAparser::sgDEVICE_AOE_Enter, &MenuForm::sgAOEMode,
+     &MainWindow::AOEModeEntered, &MainWindow::AOEModeExited},
+    // In the machine itself: leaving it is what the history is for.
+    {S::MenuMode, "MenuMode", S::MenuMode, ModeCode::Menu, screenOf<&Ui::MainWindow::wg_Menu>, noMenuEntry, nullptr, menuInput,
+     nullptr, nullptr,
+     &MainWindow::MenuModeEntered, &MainWindow::MenuModeExited},
+    // No packet carries the source signals of these two: they are reached through the menu alone.
+    {S::SetMode, "SetMode", S::NormalModes, ModeCode::Setup, screenOf<&Ui::MainWindow::wg_Setting>, MENUIDX_Setup, nullptr, setupInput,
+     &PAparser::sgDEVICE_Set_Enter, &MenuForm::sgSetupMode,
+     &MainWindow::SetModeEntered, &MainWindow::SetModeExited},
+    {S::NetBGMMode, "NetBGMMode", S::NormalModes, ModeCode::NetBgm, screenOf<&Ui::MainWindow::wg_NetBGM>, MENUIDX_NetBGM, nullptr, nullptr,
+     &PAparser::sgDEVICE_NetBGM_Enter, &MenuForm::sgNetBGMMode,
+     &MainWindow::NetBGMModeEntered, &MainWindow::NetBGMModeExited},
+};
+// clang-format on
+
+constexpr ModeState sources[] = {S::USBMode, S::AOEMode, S::IRMode, S::SetMode, S::NetBGMMode};
+
+constexpr std::size_t chosenModes()
+{
+    std::size_t count = 0;
+    for (const ModeRow& row : rows)
+        count += row.chosen ? 1 : 0;
+    return count;
+}
+static_assert(chosenModes() == std::size(sources), "every entry of the menu has its transitions");
+
+} // namespace
+
+ModeRows modeRows()
+{
+    return {std::begin(rows), std::end(rows)};
+}
+
+const ModeRow& modeRow(ModeState state)
+{
+    return *std::find_if(std::begin(rows), std::end(rows),
+                         [state](const ModeRow& row) { return row.state == state; });
+}
+
+QList<ModeState> sourceModes()
+{
+    return QList<ModeState>(std::begin(sources), std::end(sources));
+}
+
+/** What every mode with a screen begins with: its code, its word, its screen. */
+void MainWindow::enter(ModeState mode)
+{
+    const ModeRow& row = modeRow(mode);
+    m_mode = row.code;
+    if (row.word)
+        XmlWriteOpermode(QString::fromLatin1(row.word));
+    row.screen(*ui)->show();
+}
+
+void MainWindow::leave(ModeState mode)
+{
+    modeRow(mode).screen(*ui)->hide();
+    dropInput();
+}
+
+void MainWindow::connectInput(ModeState mode)
+{
+    m_input = modeRow(mode).connected({m_parser, *ui, this});
+}
 
 void MainWindow::dropInput()
 {
@@ -12,155 +171,120 @@ void MainWindow::dropInput()
         disconnect(connection);
 }
 
+/** Lets the menu open at the mode's entry. */
+void MainWindow::standInMenu(ModeState mode)
+{
+    ui->wg_Menu->setCurrentIdx(MENUIDX(modeRow(mode).menuEntry));
+}
+
+/** Lets the menu know the mode as the one before it. */
+void MainWindow::rememberInMenu(ModeState mode)
+{
+    ui->wg_Menu->setPrevMode(MENUIDX(modeRow(mode).menuEntry));
+}
+
 void MainWindow::USBModeEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_mode = ModeCode::Usb;
-    XmlWriteOpermode(QStringLiteral("usb"));
-    ui->wg_USB->show();
+    enter(ModeState::USBMode);
     ui->wg_USB->initLevel();
-    ui->wg_Menu->setCurrentIdx(MENUIDX_USB);
+    standInMenu(ModeState::USBMode);
     ui->wg_AOE->showStop();
-    m_input = {
-        connect(m_parser, &PAparser::sgPlayTime, ui->wg_USB, &mp3_lcd::showTime),
-        connect(m_parser, &PAparser::sgMasterLevel, ui->wg_USB, &mp3_lcd::showLevel),
-        connect(m_parser, &PAparser::sgKEY_NEXT, ui->wg_USB, &mp3_lcd::next_action),
-        connect(m_parser, &PAparser::sgKEY_PREV, ui->wg_USB, &mp3_lcd::prev_action),
-    };
+    connectInput(ModeState::USBMode);
 }
 
 void MainWindow::USBModeExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_USB->hide();
-    ui->wg_Menu->setPrevMode(MENUIDX_USB);
-    dropInput();
+    leave(ModeState::USBMode);
+    rememberInMenu(ModeState::USBMode);
     ui->wg_USB->showTime(QStringLiteral("00:00:00"));
 }
 
 void MainWindow::AOEModeEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_mode = ModeCode::Aoe;
-    ui->wg_AOE->show();
-    XmlWriteOpermode(QStringLiteral("aoe"));
+    enter(ModeState::AOEMode);
     ui->wg_AOE->initLevel();
-    ui->wg_Menu->setCurrentIdx(MENUIDX_AOE);
-    m_input = {
-        connect(m_parser, &PAparser::sgAoeInfo, ui->wg_AOE, &AOEForm::showAoeInfo),
-        connect(m_parser, &PAparser::sgMasterLevel, ui->wg_AOE, &AOEForm::showLevel),
-        connect(m_parser, &PAparser::sgAoeInfo, ui->wg_AOE, &AOEForm::showPlay),
-        connect(m_parser, &PAparser::sgAOE_STAT_FAIL, ui->wg_AOE, &AOEForm::showFailMSG),
-        connect(m_parser, &PAparser::sgAOE_STAT_OVER, ui->wg_AOE, &AOEForm::showOVERMSG),
-        connect(m_parser, &PAparser::sgAOE_STAT_OK, ui->wg_AOE, &AOEForm::showPlay),
-    };
+    standInMenu(ModeState::AOEMode);
+    connectInput(ModeState::AOEMode);
 }
 
 void MainWindow::AOEModeExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_AOE->hide();
-    ui->wg_Menu->setPrevMode(MENUIDX_AOE);
-    dropInput();
+    leave(ModeState::AOEMode);
+    rememberInMenu(ModeState::AOEMode);
 }
 
 void MainWindow::IRModeEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_Menu->setCurrentIdx(MENUIDX_IR);
+    standInMenu(ModeState::IRMode);
 }
 
 void MainWindow::IRModeExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_Menu->setPrevMode(MENUIDX_IR);
+    rememberInMenu(ModeState::IRMode);
 }
 
 void MainWindow::IRMainEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_mode = ModeCode::IRMain;
-    XmlWriteOpermode(QStringLiteral("radio"));
-    ui->wg_IR->show();
+    enter(ModeState::IRMain);
     ui->wg_IR->initLevel();
     ui->wg_IR->showStop();
     ui->wg_AOE->showStop();
     ui->wg_IR->RadioInfoFromXML(unitPath(UnitPath::Radio));
-    m_input = {
-        connect(m_parser, &PAparser::sgIRInfo, ui->wg_IR, &IRForm::showIRInfo),
-        connect(m_parser, &PAparser::sgMasterLevel, ui->wg_IR, &IRForm::showLevel),
-        connect(m_parser, &PAparser::sgIRInfo, ui->wg_IR, &IRForm::showPlay),
-    };
+    connectInput(ModeState::IRMain);
 }
 
 void MainWindow::IRMainExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_IR->hide();
-    dropInput();
+    leave(ModeState::IRMain);
 }
 
 void MainWindow::IRListEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_mode = ModeCode::IRList;
     ui->wg_IRList->XMLParse();
     ui->wg_IRList->InitList();
-    ui->wg_IRList->show();
+    enter(ModeState::IRList);
     ui->wg_IRList->SetCurrentIndexFromXML();
-    m_input = {
-        connect(m_parser, &PAparser::sgEncLeft, ui->wg_IRList, &RadioListForm::up_action),
-        connect(m_parser, &PAparser::sgEncRight, ui->wg_IRList, &RadioListForm::down_action),
-        connect(m_parser, &PAparser::sgKEY_SELECT, ui->wg_IRList, &RadioListForm::select_action),
-    };
+    connectInput(ModeState::IRList);
 }
 
 void MainWindow::IRListExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_IRList->hide();
-    dropInput();
+    leave(ModeState::IRList);
 }
 
 void MainWindow::SetModeEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_mode = ModeCode::Setup;
-    ui->wg_Setting->show();
+    enter(ModeState::SetMode);
     ui->wg_Setting->TimerStart();
-    ui->wg_Menu->setCurrentIdx(MENUIDX_Setup);
+    standInMenu(ModeState::SetMode);
     ui->wg_Setting->InitWidget();
-    connectSetupInput();
+    connectInput(ModeState::SetMode);
 }
 
 void MainWindow::SetModeExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_Setting->hide();
-    ui->wg_Menu->setPrevMode(MENUIDX_Setup);
+    leave(ModeState::SetMode);
+    rememberInMenu(ModeState::SetMode);
     ui->wg_Setting->StopTimer();
-    dropInput();
-}
-
-void MainWindow::connectSetupInput()
-{
-    m_input = {
-        connect(m_parser, &PAparser::sgEncLeft, ui->wg_Setting, &SetupForm::prev_action),
-        connect(m_parser, &PAparser::sgEncRight, ui->wg_Setting, &SetupForm::next_action),
-        connect(m_parser, &PAparser::sgKEY_SELECT, ui->wg_Setting, &SetupForm::select_action),
-        connect(m_parser, &PAparser::sgKEY_ESC, ui->wg_Setting, &SetupForm::esc_action),
-        connect(ui->wg_Setting, &SetupForm::sgDhcpClose, this, &MainWindow::DhcpClosed),
-        connect(ui->wg_Setting, &SetupForm::sgDhcpOpen, this, &MainWindow::DhcpOpened),
-        connect(ui->wg_Setting, &SetupForm::sgLoadingMode, this, &MainWindow::LoadingModeEntered),
-    };
 }
 
 void MainWindow::NetBGMModeEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_mode = ModeCode::NetBgm;
-    ui->wg_NetBGM->show();
-    ui->wg_Menu->setCurrentIdx(MENUIDX_NetBGM);
+    enter(ModeState::NetBGMMode);
+    standInMenu(ModeState::NetBGMMode);
     ui->wg_AOE->showStop();
 }
 
@@ -168,25 +292,19 @@ void MainWindow::NetBGMModeEntered()
 void MainWindow::NetBGMModeExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_NetBGM->hide();
-    ui->wg_Menu->setCurrentIdx(MENUIDX_NetBGM);
+    leave(ModeState::NetBGMMode);
+    standInMenu(ModeState::NetBGMMode);
 }
 
 void MainWindow::MenuModeEntered()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    m_mode = ModeCode::Menu;
-    ui->wg_Menu->show();
-    m_input = {
-        connect(m_parser, &PAparser::sgEncLeft, ui->wg_Menu, &MenuForm::prev_action),
-        connect(m_parser, &PAparser::sgEncRight, ui->wg_Menu, &MenuForm::next_action),
-        connect(m_parser, &PAparser::sgKEY_SELECT, ui->wg_Menu, &MenuForm::select_action),
-    };
+    enter(ModeState::MenuMode);
+    connectInput(ModeState::MenuMode);
 }
 
 void MainWindow::MenuModeExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    ui->wg_Menu->hide();
-    dropInput();
+    leave(ModeState::MenuMode);
 }

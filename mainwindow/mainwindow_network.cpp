@@ -49,7 +49,7 @@ void MainWindow::LoadingModeExited()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
     ui->wg_Setting->ReloadPage();
-    connectSetupInput();
+    connectInput(ModeState::SetMode);
 }
 
 void MainWindow::DhcpOpened()

@@ -10,21 +10,6 @@
 
 namespace {
 
-struct MenuEntry {
-    MENUIDX index;
-    const char* icon;
-    void (MenuForm::*chosen)();
-};
-
-constexpr MenuEntry entries[] = {
-    {MENUIDX_USB, ":/menuicon/image/usb_icon.png", &MenuForm::sgUSBMode},
-    {MENUIDX_AOE, ":/menuicon/image/aoe_icon.png", &MenuForm::sgAOEMode},
-    {MENUIDX_IR, ":/menuicon/image/IR_icon.png", &MenuForm::sgIRMode},
-    {MENUIDX_NetBGM, ":/menuicon/image/Net_BGM.png", &MenuForm::sgNetBGMMode},
-    {MENUIDX_Setup, ":/menuicon/image/setup_icon.png", &MenuForm::sgSetupMode},
-};
-static_assert(std::size(entries) == MENUIDX_Setup + 1, "one row an entry");
-
 constexpr QSize screenSize(320, 240);
 constexpr QSize slideSize(100, 100);
 
@@ -49,7 +34,7 @@ MenuForm::~MenuForm() = default;
 /** An icon that is not there is passed over, which moves the entries behind it. */
 void MenuForm::addSlides()
 {
-    for (const MenuEntry& entry : entries) {
+    for (const Entry& entry : entries) {
         const QString icon = QLatin1String(entry.icon);
         if (QFile::exists(icon))
             ui->wgFlow->addResourceSlide(icon);
@@ -91,7 +76,7 @@ void MenuForm::select_action()
 void MenuForm::esc_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    if (m_prevMode >= MENUIDX_USB && m_prevMode <= MENUIDX_Setup)
+    if (m_prevMode >= 0 && m_prevMode < int(std::size(entries)))
         choose(m_prevMode);
 }
 

@@ -18,7 +18,7 @@ enum MENUIDX {
 };
 
 /**
- * The mode menu: a strip of five slides to turn through. Choosing one emits the signal of its mode; what
+ * The mode menu: a strip of slides to turn through. Choosing one emits the signal of its mode; what
  * follows is the business of whoever listens.
  */
 class MenuForm : public QWidget {
@@ -47,6 +47,21 @@ public slots:
     void esc_action();
 
 private:
+    struct Entry {
+        MENUIDX index;
+        const char* icon;
+        void (MenuForm::*chosen)();
+    };
+
+    /** One row an entry, in the order of their indices. */
+    static constexpr Entry entries[] = {
+        {MENUIDX_USB, ":/menuicon/image/usb_icon.png", &MenuForm::sgUSBMode},
+        {MENUIDX_AOE, ":/menuicon/image/aoe_icon.png", &MenuForm::sgAOEMode},
+        {MENUIDX_IR, ":/menuicon/image/IR_icon.png", &MenuForm::sgIRMode},
+        {MENUIDX_NetBGM, ":/menuicon/image/Net_BGM.png", &MenuForm::sgNetBGMMode},
+        {MENUIDX_Setup, ":/menuicon/image/setup_icon.png", &MenuForm::sgSetupMode},
+    };
+
     void addSlides();
     void choose(int index);
 

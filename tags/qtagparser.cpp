@@ -5,35 +5,29 @@
 #include "tags/qmp3parser.h"
 #include "tags/qoggparser.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
 
 constexpr int headBytes = 10;
 
-struct Marker {
-    const char* text;
-    QTagParser::FileFormat format;
-};
-
-/** In the order of the search: the first one found decides. */
-constexpr Marker markers[] = {
-    {"ID3", QTagParser::Mp3},
-    {"Ogg", QTagParser::Ogg},
-    {"fLaC", QTagParser::Flac},
-    {"RIFF", QTagParser::Riff},
-};
-static_assert(std::size(markers) == QTagParser::Unknown, "one row a known format");
-
 using ReadTags = void (QTagParser::*)();
 
-/** One row a format that has a reader, in the order of FileFormat. */
-constexpr ReadTags readers[] = {
-    &QTagParser::ID3parser,
-    &QTagParser::FLACparser,
-    &QTagParser::OGGparser,
+struct Format {
+    const char* marker;
+    QTagParser::FileFormat code;
+    ReadTags read; ///< null for a format that is known and not read
 };
-static_assert(std::size(readers) == QTagParser::Riff, "RIFF is recognised but has no reader");
+
+/** In the order of the search: the first marker found decides. */
+constexpr Format formats[] = {
+    {"ID3", QTagParser::Mp3, &QTagParser::ID3parser},
+    {"Ogg", QTagParser::Ogg, &QTagParser::OGGparser},
+    {"fLaC", QTagParser::Flac, &QTagParser::FLACparser},
+    {"RIFF", QTagParser::Riff, nullptr},
+};
+static_assert(std::size(formats) == QTagParser::Unknown, "one row a known format");
 
 template <typename Reader> TagInfomation readTags(const QString& path)
 {
@@ -83,12 +77,10 @@ void QTagParser::TagParsing()
 
 void QTagParser::parse(int format)
 {
-    if (format >= int(std::size(readers))) {
-        useFileNameAsTitle();
-        return;
-    }
-    const ReadTags read = readers[format];
-    (this->*read)();
+    const auto* known = std::find_if(std::begin(formats), std::end(formats),
+                                     [format](const Format& row) { return row.code == format; });
+    const ReadTags read = known == std::end(formats) ? nullptr : known->read;
+    read ? (this->*read)() : useFileNameAsTitle();
 }
 
 void QTagParser::useFileNameAsTitle()
@@ -99,9 +91,9 @@ void QTagParser::useFileNameAsTitle()
 
 int QTagParser::GetFileFormat(QByteArray head)
 {
-    for (const Marker& marker : markers) {
-        if (head.contains(marker.text))
-            return marker.format;
+    for (const Format& format : formats) {
+        if (head.contains(format.marker))
+            return format.code;
     }
     return Unknown;
 }

@@ -7,6 +7,8 @@
 
 #include <QCoreApplication>
 #include <QMap>
+#include <QSignalTransition>
+#include <QState>
 #include <QStateMachine>
 
 /** A window on a unit of the test's own, with its mode machine running, and what a test asks of it. */
@@ -44,25 +46,48 @@ public:
         QMetaObject::activate(sender, meta, index - meta->methodOffset(), arguments);
     }
 
-    /** How each mode is reached from the start state. */
-    static const QMap<QString, QList<const char*>>& waysTo()
+    /** How each mode is reached: from the start state at once, but for the station list and the menu. */
+    QMap<QString, QList<QByteArray>> waysTo() const
     {
-        static const QMap<QString, QList<const char*>> ways = {
+        QMap<QString, QList<QByteArray>> ways = {
             {QStringLiteral("StartState"), {}},
-            {QStringLiteral("USBMode"), {"sgDEVICE_USB_FRONT_Enter()"}},
-            {QStringLiteral("AOEMode"), {"sgDEVICE_AOE_Enter()"}},
-            {QStringLiteral("IRMain"), {"sgDEVICE_IR_Enter()"}},
             {QStringLiteral("IRList"), {"sgDEVICE_IR_Enter()", "sgKEY_SELECT()"}},
-            {QStringLiteral("SetMode"), {"sgDEVICE_Set_Enter()"}},
-            {QStringLiteral("NetBGMMode"), {"sgDEVICE_NetBGM_Enter()"}},
             {QStringLiteral("MenuMode"), {"sgDEVICE_AOE_Enter()", "sgKEY_LONG_SELECT()"}},
         };
+        const auto* start = window.findChild<QState*>(QStringLiteral("StartState"));
+        for (const QSignalTransition* transition : start->findChildren<QSignalTransition*>()) {
+            const QString mode = transition->targetState()->objectName();
+            if (!ways.contains(mode))
+                ways[mode] = {nameOf(*transition)};
+        }
         return ways;
     }
+    /** Goes to a mode, from wherever the panel is; there is no way back to the start state. */
     void bringTo(const QString& mode)
     {
-        for (const char* signal : waysTo().value(mode))
-            emitParser(signal);
+        if (this->mode() != QLatin1String("StartState"))
+            emitParser("sgDEVICE_AOE_Enter()");
+        for (const QByteArray& signal : waysTo().value(mode))
+            emitParser(signal.constData());
+    }
+
+    /** Whether the machine has a transition on that signal of the parser from where it is. */
+    bool leadsAway(const QByteArray& event) const
+    {
+        const auto* machine = window.findChild<QStateMachine*>();
+        for (const QAbstractState* state : machine->configuration())
+            for (const auto* transition :
+                 state->findChildren<QSignalTransition*>(QString(), Qt::FindDirectChildrenOnly))
+                if (nameOf(*transition) == event)
+                    return true;
+        return false;
+    }
+
+    /** The signal that triggers a transition. */
+    static QByteArray nameOf(const QSignalTransition& transition)
+    {
+        const QByteArray signal = transition.signal();
+        return signal.startsWith('2') ? signal.mid(1) : signal; // as the toolkit marks a signal's name
     }
 
     /** What the log says while the parser emits these signals, but for errors. */
@@ -93,11 +118,10 @@ public:
     QStringList screens() const
     {
         QStringList visible;
-        for (const char* name :
-             {"wg_USB", "wg_IR", "wg_AOE", "wg_Setting", "wg_Menu", "wg_NetBGM", "wg_IRList"}) {
-            if (!widget(name)->isHidden())
-                visible << QString::fromLatin1(name);
-        }
+        for (const QObject* child : window.centralWidget()->children())
+            if (child->objectName().startsWith(QLatin1String("wg_"))
+                && !static_cast<const QWidget*>(child)->isHidden())
+                visible << child->objectName();
         return visible;
     }
 

@@ -30,19 +30,6 @@ private slots:
         QVERIFY(panel.unit.readConf(QStringLiteral("oper_mode.xml")).isEmpty());
     }
 
-    void stackOfTheScreens()
-    {
-        Panel panel;
-        QStringList names;
-        for (const QObject* child : panel.window.centralWidget()->children()) {
-            if (child->isWidgetType())
-                names << child->objectName();
-        }
-        QCOMPARE(names,
-                 strings({"lb_MainOrvane", "wg_USB", "wg_IR", "wg_AOE", "wg_Setting", "wg_Menu", "wg_NetBGM",
-                          "wg_IRList", "lbl_background_alpha", "lb_sysup", "lb_sysup_msg", "lb_sysup_bot"}));
-    }
-
     void layout_data()
     {
         QTest::addColumn<QString>("name");

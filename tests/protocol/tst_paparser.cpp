@@ -29,7 +29,7 @@ class PAparserTest : public QObject {
     Q_OBJECT
 
 private slots:
-    /** Receivers find them by their places; what comes later stands behind them. */
+    /** New ones stand behind these. */
     void vocabularyInItsOrder()
     {
         const QStringList expected = strings({

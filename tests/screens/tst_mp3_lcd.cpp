@@ -153,36 +153,37 @@ private slots:
         QCOMPARE(log.lines(), QStringList());
     }
 
+    /** New ones stand behind these. */
     void slotsInOrder()
     {
-        QCOMPARE(ownMethods(mp3_lcd::staticMetaObject),
-                 strings({"play_action()",
-                          "pause_action()",
-                          "stop_action()",
-                          "next_action()",
-                          "prev_action()",
-                          "PlayPause_action()",
-                          "showAll()",
-                          "showFolder()",
-                          "showOne()",
-                          "showRptAll()",
-                          "showRptFolder()",
-                          "showRptOne()",
-                          "showShuffle()",
-                          "showOffShuffle()",
-                          "showTime(QString)",
-                          "showDiskInfo(QString,QString)",
-                          "showDiskNormal()",
-                          "showDiskRemoved()",
-                          "showUSBStreamEntered()",
-                          "showUSBStreamExited()",
-                          "showUSBFrontEntered()",
-                          "showUSBFrontExited()",
-                          "showAUXEntered()",
-                          "showAUXExited()",
-                          "showLevel(uchar)",
-                          "initLevel()",
-                          "ShowTagInfo(TagInfomation)"}));
+        const QStringList first = strings({"play_action()",
+                                           "pause_action()",
+                                           "stop_action()",
+                                           "next_action()",
+                                           "prev_action()",
+                                           "PlayPause_action()",
+                                           "showAll()",
+                                           "showFolder()",
+                                           "showOne()",
+                                           "showRptAll()",
+                                           "showRptFolder()",
+                                           "showRptOne()",
+                                           "showShuffle()",
+                                           "showOffShuffle()",
+                                           "showTime(QString)",
+                                           "showDiskInfo(QString,QString)",
+                                           "showDiskNormal()",
+                                           "showDiskRemoved()",
+                                           "showUSBStreamEntered()",
+                                           "showUSBStreamExited()",
+                                           "showUSBFrontEntered()",
+                                           "showUSBFrontExited()",
+                                           "showAUXEntered()",
+                                           "showAUXExited()",
+                                           "showLevel(uchar)",
+                                           "initLevel()",
+                                           "ShowTagInfo(TagInfomation)"});
+        QCOMPARE(ownMethods(mp3_lcd::staticMetaObject).mid(0, first.size()), first);
     }
 
     void signatureOfEachSlot_data()
