@@ -1,4 +1,5 @@
 #include "tests/docs/document.h"
+#include "tests/mainwindow/listing.h"
 #include "tests/mainwindow/panel.h"
 #include "tests/support/panelmain.h"
 #include "tools/supervisor/words.h"
@@ -6,6 +7,7 @@
 #include <QLabel>
 #include <QProcess>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -49,7 +51,6 @@ public:
     }
 };
 
-/** How each mode is reached from the start. */
 const QMap<QString, QStringList> waysTo = {
     {QStringLiteral("none"), {}},
     {QStringLiteral("menu"), {QStringLiteral("device ir"), QStringLiteral("key long-select")}},
@@ -57,21 +58,27 @@ const QMap<QString, QStringList> waysTo = {
     {QStringLiteral("aoe"), {QStringLiteral("device aoe")}},
     {QStringLiteral("radio"), {QStringLiteral("device ir")}},
     {QStringLiteral("radio-list"), {QStringLiteral("device ir"), QStringLiteral("key select")}},
-    {QStringLiteral("netbgm"),
-     {QStringLiteral("device ir"), QStringLiteral("key long-select"), QStringLiteral("enc 1"),
-      QStringLiteral("key select")}},
-    {QStringLiteral("setup"),
-     {QStringLiteral("device ir"), QStringLiteral("key long-select"), QStringLiteral("enc 2"),
-      QStringLiteral("key select")}},
-    {QStringLiteral("dhcp"),
-     {QStringLiteral("device ir"), QStringLiteral("key long-select"), QStringLiteral("enc 2"),
-      QStringLiteral("key select"), QStringLiteral("key select")}},
 };
+
+/** How a mode is reached from the start; those without a row through the menu, which opens at the radio. */
+QStringList wayTo(const QString& mode)
+{
+    if (mode == QLatin1String("dhcp"))
+        return wayTo(QStringLiteral("setup")) << QStringLiteral("key select");
+    const auto& modes = Listing::accepted().modes();
+    const auto listed = std::find_if(modes.begin(), modes.end(),
+                                     [&](const auto& each) { return modeName(quint8(each.code)) == mode; });
+    if (waysTo.contains(mode) || listed == modes.end())
+        return waysTo.value(mode);
+    const int turns = listed->menuEntry - modes[QStringLiteral("IRMain")].menuEntry;
+    return waysTo[QStringLiteral("menu")] << QStringLiteral("enc %1").arg(turns)
+                                          << QStringLiteral("key select");
+}
 
 std::unique_ptr<ToldPanel> panelIn(const QString& mode)
 {
     auto panel = std::make_unique<ToldPanel>();
-    for (const QString& words : waysTo.value(mode))
+    for (const QString& words : wayTo(mode))
         panel->say(words);
     if (panel->report() != mode)
         qFatal("%s is not reached", qPrintable(mode));
