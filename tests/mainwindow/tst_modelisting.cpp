@@ -152,7 +152,6 @@ QString listing()
     QString text = stackLines(panel) + machineLines(panel) + QLatin1Char('\n');
     const QStringList modes = panel.waysTo().keys();
     const auto always = connections(panel);
-    text += block(QStringLiteral("always connected"), connectedBeside({}, always));
     for (const QString& mode : modes)
         text += modeLines(mode, always);
     return text;

@@ -15,6 +15,25 @@ private:
 private slots:
     void init() { m_silence.emplace(5); }
 
+    void playerFollowsInEveryMode()
+    {
+        Panel panel;
+        panel.emitParser("sgDEVICE_AOE_Enter()");
+        QCOMPARE(
+            panel.linesOf({"sgKEY_PLAY()", "sgKEY_PAUSE()", "sgKEY_PLAY_PAUSE()", "sgKEY_STOP()",
+                           "sgDiskStatNormal()", "sgDiskRemoved()", "sgDiskInfo(QString,QString)",
+                           "sgDEVICE_USB_STREAM_Enter()", "sgDEVICE_USB_STREAM_Exit()", "sgMode_All()",
+                           "sgMode_Folder()", "sgMode_One()", "sgMode_rpt_All()", "sgMode_rpt_Folder()",
+                           "sgMode_rpt_One()", "sgMode_shuffle()", "sgMode_off_Shuffle()"}),
+            strings({"void mp3_lcd::play_action()", "void mp3_lcd::pause_action()",
+                     "void mp3_lcd::PlayPause_action()", "void mp3_lcd::stop_action()",
+                     "void mp3_lcd::showDiskNormal()", "void mp3_lcd::showDiskRemoved()",
+                     "void mp3_lcd::showDiskInfo(QString, QString)", "void mp3_lcd::showUSBStreamEntered()",
+                     "void mp3_lcd::showAll()", "void mp3_lcd::showFolder()", "void mp3_lcd::showOne()",
+                     "void mp3_lcd::showRptFolder()", "void mp3_lcd::showRptOne()",
+                     "void mp3_lcd::showShuffle()", "void mp3_lcd::showOffShuffle()"}));
+    }
+
     void leavingUsbResetsTheTime()
     {
         Panel panel;

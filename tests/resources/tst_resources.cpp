@@ -67,18 +67,35 @@ constexpr PanelImage kImages[] = {
     {":/Tessaro/font/title.png",                        "font/title",                        200,  20, ClearEdge},
     {":/Tessaro/font/URL.png",                          "font/URL",                          200,  20, ClearEdge},
     {":/Tessaro/font/SYSINFO.png",                      "font/SYSINFO",                      271,  25, ClearEdge},
-    {":/menuicon/image/usb_icon.png",                   "menu/usb_icon",                     100, 100, Tile},
-    {":/menuicon/image/aoe_icon.png",                   "menu/aoe_icon",                     100, 100, Tile},
-    {":/menuicon/image/IR_icon.png",                    "menu/IR_icon",                      100, 100, Tile},
-    {":/menuicon/image/Net_BGM.png",                    "menu/Net_BGM",                      100, 100, Tile},
-    {":/menuicon/image/setup_icon.png",                 "menu/setup_icon",                   100, 100, Tile},
 };
 // clang-format on
-constexpr int kImageCount = sizeof(kImages) / sizeof(kImages[0]);
-static_assert(kImageCount == 43, "an image came or went: the screens must agree");
-
 const QString kResources = QStringLiteral(VIREO_SOURCE_DIR "/resources/");
 const QString kArt = kResources + QStringLiteral("art/");
+
+/** The slides of the menu, as their bundle names them. */
+QList<PanelImage> slides()
+{
+    static QList<QByteArray> names; // what the rows point into
+    static const QRegularExpression entry(QStringLiteral("alias=\"image/(\\w+)\\.png\">menu/\\1\\.png<"));
+    QFile bundle(kResources + QStringLiteral("menuRc.qrc"));
+    if (!bundle.open(QIODevice::ReadOnly))
+        qFatal("no bundle of the menu");
+    QList<PanelImage> found;
+    for (auto matches = entry.globalMatch(QString::fromUtf8(bundle.readAll())); matches.hasNext();) {
+        const QByteArray name = matches.next().captured(1).toLatin1();
+        names << ":/menuicon/image/" + name + ".png"
+              << "menu/" + name;
+        found << PanelImage{names.at(names.size() - 2).constData(), names.last().constData(), 100, 100, Tile};
+    }
+    return found;
+}
+
+/** Every image of the panel. */
+const QList<PanelImage>& images()
+{
+    static const QList<PanelImage> all = QList<PanelImage>(std::begin(kImages), std::end(kImages)) + slides();
+    return all;
+}
 
 QString latin(const char* text)
 {
@@ -184,9 +201,9 @@ class ResourcesTest : public QObject {
     static void imageRows(int traits = Plain)
     {
         QTest::addColumn<int>("row");
-        for (int row = 0; row < kImageCount; ++row)
-            if ((kImages[row].traits & traits) == traits)
-                QTest::newRow(kImages[row].path) << row;
+        for (int row = 0; row < images().size(); ++row)
+            if ((images()[row].traits & traits) == traits)
+                QTest::newRow(images()[row].path) << row;
     }
 
 private slots:
@@ -194,7 +211,7 @@ private slots:
     void everyImageLoadsInItsLayoutSize()
     {
         QFETCH(int, row);
-        const PanelImage& image = kImages[row];
+        const PanelImage& image = images()[row];
         QCOMPARE(QImage(latin(image.path)).size(), QSize(image.width, image.height));
     }
 
@@ -202,7 +219,7 @@ private slots:
     {
         QStringList found = namesBelow(QStringLiteral(":/Tessaro"), QString())
             + namesBelow(QStringLiteral(":/menuicon"), QString());
-        QCOMPARE(int(found.size()), kImageCount);
+        QCOMPARE(found.size(), images().size());
     }
 
     void eachBundleRegistersUnderItsName()
@@ -223,7 +240,7 @@ private slots:
     void everyImageHasItsDrawingAndTheReverse()
     {
         QStringList drawings;
-        for (const PanelImage& image : kImages)
+        for (const PanelImage& image : images())
             drawings << latin(image.drawing);
         drawings.sort();
         QCOMPARE(namesBelow(kArt, QStringLiteral(".svg")), drawings);
@@ -234,7 +251,7 @@ private slots:
     void drawingsNeedNoFontAndNoOtherFile()
     {
         QFETCH(int, row);
-        const QByteArray text = drawingOf(kImages[row]);
+        const QByteArray text = drawingOf(images()[row]);
         QVERIFY(!text.isEmpty());
         for (const char* foreign : {"<text", "<tspan", "<image", "<style", "font-", "http://", "https://"})
             QVERIFY2(!text.mid(text.indexOf('>')).contains(foreign), foreign);
@@ -244,21 +261,21 @@ private slots:
     void imageIsTheRenderingOfItsDrawing()
     {
         QFETCH(int, row);
-        const PanelImage& image = kImages[row];
+        const PanelImage& image = images()[row];
         QVERIFY(isSameDrawing(rendered(drawingOf(image)), load(image.path)));
     }
 
     void movedStrokesAreAnotherDrawing_data()
     {
         QTest::addColumn<int>("row");
-        for (int row = 0; row < kImageCount; ++row)
-            if (!withMovedStrokes(drawingOf(kImages[row])).isEmpty())
-                QTest::newRow(kImages[row].path) << row;
+        for (int row = 0; row < images().size(); ++row)
+            if (!withMovedStrokes(drawingOf(images()[row])).isEmpty())
+                QTest::newRow(images()[row].path) << row;
     }
     void movedStrokesAreAnotherDrawing()
     {
         QFETCH(int, row);
-        const PanelImage& image = kImages[row];
+        const PanelImage& image = images()[row];
         for (const QByteArray& moved : withMovedStrokes(drawingOf(image)))
             QVERIFY2(!isSameDrawing(rendered(moved), load(image.path)), moved.constData());
     }
@@ -266,7 +283,7 @@ private slots:
     void wordsOfTheDrawingsAreLaidFromTheirText()
     {
         QStringList arguments{kArt + QStringLiteral("letters.py"), QStringLiteral("--check")};
-        for (const PanelImage& image : kImages)
+        for (const PanelImage& image : images())
             arguments << kArt + latin(image.drawing) + QStringLiteral(".svg");
         QCOMPARE(QProcess::execute(QStringLiteral("python3"), arguments), 0);
     }
@@ -275,7 +292,7 @@ private slots:
     void groundsAreOpaque()
     {
         QFETCH(int, row);
-        const PanelImage& image = kImages[row];
+        const PanelImage& image = images()[row];
         const QImage pixels = load(image.path);
         for (int y = 0; y < pixels.height(); ++y)
             for (int x = 0; x < pixels.width(); ++x)
@@ -286,7 +303,7 @@ private slots:
     void slidesAreOpaqueTilesWithClearCorners()
     {
         QFETCH(int, row);
-        const QImage pixels(latin(kImages[row].path));
+        const QImage pixels(latin(images()[row].path));
         constexpr int radius = 9;
         const QRect wide = pixels.rect().adjusted(0, radius, 0, -radius);
         const QRect high = pixels.rect().adjusted(radius, 0, -radius, 0);
@@ -309,7 +326,7 @@ private slots:
     void lettersOfTheSlidesStandTwoStrokesApart()
     {
         QFETCH(int, row);
-        const QString text = QString::fromLatin1(drawingOf(kImages[row]));
+        const QString text = QString::fromLatin1(drawingOf(images()[row]));
         const QString words = text.mid(text.lastIndexOf(QLatin1String("<g ")));
         const QList<int> pens = numbersOf(QStringLiteral("stroke-width"), words);
         const QList<int> gaps = numbersOf(QStringLiteral("data-gap"), words);
@@ -323,7 +340,7 @@ private slots:
     void iconsAndCaptionsKeepOffTheEdge()
     {
         QFETCH(int, row);
-        const PanelImage& image = kImages[row];
+        const PanelImage& image = images()[row];
         const QImage pixels = load(image.path);
         const QRect inside = pixels.rect().adjusted(1, 1, -1, -1);
         bool drawn = false;
