@@ -11,7 +11,7 @@ SOURCE_DATE_EPOCH=$(git log -1 --format=%ct 2>/dev/null || date +%s)
 export SOURCE_DATE_EPOCH
 umask 022
 cmake --preset package
-cmake --build --preset package --target vireo vireo-supervisor-page
+cmake --build --preset package --target vireo vireo-supervisor
 rm -f build/package/*.deb
 (cd build/package && cpack -G DEB)
 lintian --fail-on error,warning build/package/*.deb

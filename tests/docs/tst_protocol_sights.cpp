@@ -173,6 +173,22 @@ private slots:
         }
     }
 
+    /** The lines of a packet whose end came too late: the first three of what the panel then says. */
+    void lostPacket()
+    {
+        QStringList written;
+        for (const QString& line : page().section(QStringLiteral("Keeping step")))
+            if (line.startsWith(QLatin1String("    ")))
+                written << QStringLiteral("E ") + line.mid(4).trimmed();
+        Panel panel;
+        LogCatcher log(4);
+        panel.window.stackBuff(QByteArray::fromHex("01004000") + "0123456789");
+        QStringList logged;
+        for (const QString& line : log.plain().mid(0, 3))
+            logged << QStringLiteral("E ") + line.mid(2).trimmed();
+        QCOMPARE(logged, written);
+    }
+
     void lights()
     {
         ToldPanel panel;
