@@ -46,6 +46,9 @@ constexpr int systemTextBytes = 64 * 1024;
 /** a routing table is printed at once; names are not looked up */
 constexpr int routeMs = 2 * 1000;
 
+/** a program that was killed is gone at once, unless it waits for a disk */
+constexpr int killedMs = 1000;
+
 /** a network that has not restarted by then will not */
 constexpr int networkRestartMs = 30 * 1000;
 

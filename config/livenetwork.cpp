@@ -11,6 +11,8 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include <memory>
+
 namespace {
 
 constexpr int nameServerLines = 2;
@@ -18,6 +20,18 @@ constexpr int nameServerLines = 2;
 QByteArray lastLine(const QByteArray& output)
 {
     return output.mid(output.lastIndexOf('\n', -2) + 1);
+}
+
+/** One that does not even end when it is killed is left behind: to wait for it would hold the panel up for
+ * good. */
+void end(std::unique_ptr<QProcess> program)
+{
+    program->kill();
+    if (program->state() == QProcess::NotRunning || program->waitForFinished(limits::killedMs))
+        return;
+    QObject::connect(program.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
+                     program.get(), &QObject::deleteLater);
+    program.release();
 }
 
 } // namespace
@@ -53,19 +67,19 @@ QByteArray lastRoute(int waitMs)
     const QString program = QStandardPaths::findExecutable(QStringLiteral("route"));
     if (program.isEmpty())
         return {};
-    QProcess route;
+    auto route = std::make_unique<QProcess>();
     QByteArray output;
     const auto read = [&] {
-        output = (output + route.readAllStandardOutput()).right(limits::systemTextBytes);
+        output = (output + route->readAllStandardOutput()).right(limits::systemTextBytes);
     };
-    route.setStandardErrorFile(QProcess::nullDevice());
+    route->setStandardErrorFile(QProcess::nullDevice());
     const QDeadlineTimer deadline(waitMs);
-    route.start(program, {QStringLiteral("-n")});
-    while (route.state() != QProcess::NotRunning && !deadline.hasExpired()) {
-        route.waitForReadyRead(int(deadline.remainingTime()));
+    route->start(program, {QStringLiteral("-n")});
+    while (route->state() != QProcess::NotRunning && !deadline.hasExpired()) {
+        route->waitForReadyRead(int(deadline.remainingTime()));
         read();
     }
     read();
-    route.close();
+    end(std::move(route));
     return lastLine(output);
 }

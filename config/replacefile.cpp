@@ -73,17 +73,23 @@ int renameFile(const QString& from, const QString& to)
                                                                                                     : errno;
 }
 
+/** Makes a file longer by room of its own; a file system that cannot promise room is written to without. */
+int reserve(const QFile& file, qint64 from, qint64 bytes)
+{
+    const int error = bytes > 0 ? ::posix_fallocate(file.handle(), from, bytes) : 0;
+    return error == EOPNOTSUPP ? 0 : error;
+}
+
 /** Takes the room for all bytes before it touches one. */
 int overwrite(QFile& old, const QByteArray& bytes)
 {
     const qint64 oldBytes = old.size();
-    const int error = bytes.size() > oldBytes ? ::posix_fallocate(old.handle(), 0, bytes.size()) : 0;
-    if (error != 0) {
+    if (const int error = reserve(old, oldBytes, bytes.size() - oldBytes)) {
         old.resize(oldBytes);
         return error;
     }
-    const int failed = store(old.handle(), bytes);
-    return failed == 0 && ::ftruncate(old.handle(), bytes.size()) != 0 ? errno : failed;
+    const int error = store(old.handle(), bytes);
+    return error == 0 && ::ftruncate(old.handle(), bytes.size()) != 0 ? errno : error;
 }
 
 } // namespace
