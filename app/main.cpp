@@ -73,9 +73,9 @@ int main(int argc, char** argv)
     qputenv("QT_FONT_DPI", "96");
     DisplayGuard display("vireo");
     QApplication application(argc, argv);
-    display.release();
     if (const auto status = Arguments::answer(argc, argv))
         return *status;
+    display.release();
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 
     debugLevel = Arguments::threshold(argc, argv);
