@@ -3,6 +3,8 @@
 #include "tests/support/panelmain.h"
 #include "widgets/ticker.h"
 
+#include <QStyledItemDelegate>
+
 using namespace Radio;
 
 class RadioListViewTest : public QObject {
@@ -101,6 +103,19 @@ private slots:
         QCOMPARE(row(1), row(0));
         form.setRow(0);
         QVERIFY2(row(2) != row(1), "another title looks different");
+    }
+
+    /** Only what a row can show is laid out; the title itself is kept whole. */
+    void aTitleAsLongAsAFileAllowsIsDrawnNoFurtherThanItsRow()
+    {
+        const QString title(60000, QLatin1Char('x'));
+        m_unit->writeRadio(station(0, 0));
+        m_unit->writePresets(channels(entry(title, QStringLiteral("u"))));
+        ListScreen form;
+        form.enter();
+        QCOMPARE(form.title(0), title);
+        const auto* const delegate = qobject_cast<QStyledItemDelegate*>(form.view()->itemDelegate());
+        QCOMPARE(delegate->displayText(title, QLocale()), title.left(form.view()->gridSize().width()));
     }
 
     void theRowThatDoesNotFitIsNotDrawn()
