@@ -1,6 +1,6 @@
 #!/bin/bash
 # Installs the Debian packages that the named purposes need and that are not there yet: build, test, qt5, check,
-# fuzz, package, cross, bench. Does nothing, and asks for no rights, when all are there.
+# fuzz, package, cross, bench, unit. Does nothing, and asks for no rights, when all are there.
 set -euo pipefail
 
 declare -A packages=(
@@ -12,6 +12,7 @@ declare -A packages=(
     [package]="dpkg-dev fakeroot lintian"
     [cross]="g++-arm-linux-gnueabihf g++-aarch64-linux-gnu qemu-user-static dpkg-dev"
     [bench]="libbenchmark-dev libtag1-dev lcdproc"
+    [unit]="mmdebstrap e2fsprogs kmod cpio dpkg-dev fakeroot qemu-system-x86 qemu-system-arm dosfstools mtools python3"
 )
 
 missing=()

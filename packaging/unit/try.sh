@@ -1,0 +1,57 @@
+#!/bin/bash
+# Boots the unit and tries it, and prints a table: packaging/unit/try.sh [amd64|arm64|armhf] [quick] [ROW...]
+# A ROW is a part of a row's name; without any, all rows are tried. ACCEL=kvm lets this machine's processor run the unit.
+# PATIENCE=N waits N times as long on a slow machine. What differs is left in build/unit/ARCH/try.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+arch=amd64
+case "${1:-}" in amd64 | arm64 | armhf) arch=$1 && shift ;; esac
+out=build/unit/$arch
+preset=$([ "$arch" = amd64 ] && echo default || echo "$arch")
+tests=(tst_networkrestart tst_session tst_random_journey tst_demo_scripts tst_front_panel tst_no_display tst_faults
+    tst_service)
+
+tools/setup.sh build test unit
+[ -e "$out/disk" ] || packaging/unit/build.sh "$arch"
+cmake --preset default >/dev/null
+cmake --build --preset default --target vireo-supervisor
+cmake --build --preset "$preset" --target vireo vireo-supervisor "${tests[@]}"
+
+# The package of the unit, and the same as the next version.
+make_packages() { # FOLDER
+    cp "$out/vireo.deb" "$1/older.deb"
+    rm -rf "$out/newer"
+    dpkg-deb -R "$1/older.deb" "$out/newer"
+    sed -i 's/^Version: .*/&.1/' "$out/newer/DEBIAN/control"
+    dpkg-deb --root-owner-group -b "$out/newer" "$1/newer.deb" >/dev/null
+    rm -r "$out/newer"
+}
+
+# The tests with what they find beside the sources, as they lie here.
+copy_tests() { # FOLDER
+    local build=$1/source/build/$preset name
+    mkdir -p "$build"/{bin,tests} "$1/lib" "$1/source/tools"
+    cp -r tools/demo-unit "$1/source/tools/"
+    for name in bin/vireo bin/vireo-supervisor "${tests[@]/#/tests/}"; do
+        "$strip" -o "$build/$name" "build/$preset/$name"
+    done
+    cp -L "$libraries"/libQt6Test.so.6 "$1/lib/"
+}
+
+declare -A strips=([amd64]=strip [arm64]=aarch64-linux-gnu-strip [armhf]=arm-linux-gnueabihf-strip)
+declare -A triplets=([amd64]=x86_64-linux-gnu [arm64]=aarch64-linux-gnu [armhf]=arm-linux-gnueabihf)
+strip=${strips[$arch]}
+libraries=$([ "$arch" = amd64 ] || echo "build/sysroot/$arch")/usr/lib/${triplets[$arch]}
+
+tree=$out/try.tree
+rm -rf "$tree"
+mkdir -p "$tree" "$out/try"
+cp packaging/unit/try/agent "$tree/"
+cp -r "$out/try.modules/lib" "$tree/"
+make_packages "$tree"
+copy_tests "$tree"
+rm -f "$out/try/try.disk"
+mke2fs -q -t ext4 -d "$tree" "$out/try/try.disk" 300M
+rm -r "$tree"
+exec python3 packaging/unit/try/main.py "$arch" "$PWD" "$@"

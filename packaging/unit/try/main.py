@@ -1,0 +1,81 @@
+"""Tries the unit and prints a table: main.py ARCH SOURCE [quick] [ROW...]. Status 1 when a row failed."""
+
+import os
+import random
+import sys
+import time
+
+import network
+import power
+import screens
+import service
+import stick
+from unit import Bench, Failed, Unit
+
+# Each row of the table, and whether it belongs to the quick part. All of them see one boot, in this order.
+ROWS = (
+    ("from dark to the logo, nothing else", screens.first_light, True),
+    ("boot: the panel before the network", screens.boot_times, True),
+    ("service ready", service.ready, True),
+    ("screens on the frame buffer", screens.frame_buffer, True),
+    ("a foreign address gets no answer", network.foreign_address, True),
+    ("DHCP switched on the panel", network.dhcp, False),
+    ("stick pulled out while it plays", stick.pulled_while_playing, False),
+    ("stick pulled out while tags are read", stick.pulled_while_reading, False),
+    ("panel killed", service.killed, True),
+    ("panel told to end", service.early_stop, True),
+    ("panel stopped dead: watchdog", service.stopped_dead, False),
+    ("port taken at start", service.port_taken, False),
+    ("journal readable", service.journal, True),
+    ("memory taken by another process", service.memory_pressure, False),
+    ("memory bound reached by a child", service.memory_bound, False),
+    ("package upgraded and rolled back", service.upgrade, False),
+    ("display loaded late", screens.late_display, False),
+    ("screens on DRM alone", screens.direct_rendering, False),
+    ("screens at 16 bits a pixel", screens.virtual_frame_buffer, False),
+    ("journeys and network restart inside", service.tests, False),
+)
+POWER = "plug pulled while files are written"
+TIMES = int(os.environ.get("PULLS", "50"))
+
+
+class Table:
+    def __init__(self):
+        self.failed = 0
+
+    def row(self, name, check, *arguments):
+        start = time.monotonic()
+        try:
+            verdict, note = "ok", check(*arguments) or ""
+        except (Failed, OSError, RuntimeError) as reason:
+            verdict, note = "FAILED", str(reason)
+            self.failed += 1
+        print(f"{verdict:6} {time.monotonic() - start:6.0f} s  {name:38} {note}", flush=True)
+
+
+def wanted(name, only):
+    return not only or any(part in name for part in only)
+
+
+def main(arch, source, *words):
+    only = [word for word in words if word != "quick"]
+    bench = Bench(arch, source, float(os.environ.get("PATIENCE", "1")))
+    stick.make_stick(bench)
+    table = Table()
+    rows = [row for row in ROWS if wanted(row[0], only) and (row[2] or "quick" not in words)]
+    if rows:
+        with Unit(bench, bench.new_disk()) as unit:
+            if rows[0][1] is screens.first_light:
+                table.row(*rows.pop(0)[:2], unit)
+            unit.wait_for_hands()
+            for name, check, _ in rows:
+                table.row(name, check, unit)
+    if wanted(POWER, only) and "quick" not in words:
+        seed = random.randrange(1 << 32)
+        random.seed(seed)
+        table.row(f"{POWER}", power.rounds, bench, TIMES, lambda text: print(f"\r{text}", end="\r", file=sys.stderr))
+    return table.failed and 1
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

@@ -1,0 +1,132 @@
+"""Rows about what is seen: from power-on to the logo, and every screen on every kind of display."""
+
+import base64
+import os
+
+from unit import Failed, require, wait_for
+import picture
+import tour
+
+DROP_IN = "/run/systemd/system/vireo.service.d/try.conf"
+
+
+def accepted(unit, folder="expected"):
+    source = unit.bench.source
+    return tour.Accepted(os.path.join(source, "tests/pictures", folder), source)
+
+
+def first_light(unit):
+    """From power-on: dark, then the logo, and nothing else."""
+    logo = accepted(unit).load("start")
+    dark = [[(0, 0, 0)] * picture.WIDTH] * picture.HEIGHT
+
+    def logo_shows():
+        try:
+            rows = unit.picture()
+        except ValueError:  # the display is not set up yet
+            return False
+        if rows not in (dark, logo):
+            picture.write_png(os.path.join(unit.bench.folder, "first-light.png"), rows)
+            raise Failed("neither dark nor the logo, see first-light.png")
+        return rows == logo
+    wait_for(logo_shows, 120 * unit.bench.patience, "no logo")
+    return f"logo after {unit.seconds_on():.1f} s"
+
+
+def microseconds(unit, field, service):
+    return int(unit.show(field, service))
+
+
+def boot_times(unit):
+    """The panel comes before the network, and its own share of the boot is small."""
+    unit.waits_until("systemctl is-system-running | grep -qx running", 120, "the boot does not end")
+    started = microseconds(unit, "ExecMainStartTimestampMonotonic", "vireo")
+    ready = microseconds(unit, "ActiveEnterTimestampMonotonic", "vireo")
+    network = microseconds(unit, "ExecMainStartTimestampMonotonic", "unit-network")
+    require(started < network, "the network starts before the panel")
+    manager = microseconds(unit, "UserspaceTimestampMonotonic", "")
+    return (f"kernel {manager / 1e6:.1f} s, service manager {(started - manager) / 1e6:.1f} s, "
+            f"panel {(ready - started) / 1e6:.1f} s, its share {100 * (ready - started) // ready} %")
+
+
+def frame_buffer(unit):
+    pictures = accepted(unit)
+    return tour.play(unit, unit.picture, lambda name, rows: pictures.compared(name, rows)
+                     == pictures.compared(name, pictures.load(name)))
+
+
+def restart_with(unit, *lines):
+    """Starts the panel anew with more lines in its service; without any as it was."""
+    if lines:
+        unit.must(f"mkdir -p $(dirname {DROP_IN}); printf '%s\\n' '[Service]' {' '.join(repr(line) for line in lines)} >{DROP_IN}")
+    else:
+        unit.must(f"rm -f {DROP_IN}")
+    unit.must("systemctl daemon-reload && systemctl restart vireo")
+
+
+def unload_display(unit):
+    unit.must("systemctl stop vireo; for c in /sys/class/vtconsole/*; do "
+              "grep -q 'frame buffer' $c/name && echo 0 >$c/bind; done; modprobe -r virtio_gpu")
+
+
+def late_display(unit):
+    """Without a display the panel tries again and again; when one comes, the logo is there."""
+    unload_display(unit)
+    unit.do("systemctl start --no-block vireo")
+    unit.waits_until("journalctl -u vireo -o cat | grep -q 'no display'", 60, "no word about the missing display")
+    unit.must("modprobe virtio_gpu")
+    logo = accepted(unit).load("start")
+    wait_for(lambda: shows(unit, logo), 60 * unit.bench.patience, "no logo after the display came")
+
+
+def shows(unit, rows):
+    try:
+        return unit.picture() == rows
+    except ValueError:
+        return False
+
+
+def direct_rendering(unit):
+    """The kernel's display without the emulation of a frame buffer."""
+    unload_display(unit)
+    unit.must("modprobe -r drm_kms_helper; modprobe drm_kms_helper fbdev_emulation=0; modprobe virtio_gpu")
+    unit.waits_until("test -e /dev/dri/card0", 30, "no display")
+    require(unit.do("test -e /dev/fb0")[0] != 0, "there is a frame buffer")
+    restart_with(unit, "Environment=QT_QPA_FB_DRM=1", "Environment=QT_QPA_PLATFORM=linuxfb", "DeviceAllow=char-drm rw")
+    try:
+        return frame_buffer(unit)
+    finally:
+        restart_with(unit)
+
+
+def virtual_frame_buffer(unit):
+    """16 bits a pixel: equal to the accepted pictures of that depth, and those equal to the others but for the rounding."""
+    unit.must("modprobe -d /try vfb vfb_enable=1 mode=320x240-16@60 videomemorysize=1048576")
+    unit.waits_until("test -e /dev/fb1", 30, "no second frame buffer")
+    require(unit.must("cat /sys/class/graphics/fb1/bits_per_pixel") == "16", "not 16 bits a pixel")
+    stride = int(unit.must("cat /sys/class/graphics/fb1/stride"))
+    restart_with(unit, "Environment=QT_QPA_PLATFORM=linuxfb:fb=/dev/fb1:tty=/dev/null:nographicsmodeswitch")
+
+    def take():
+        data = unit.must(f"head -c {stride * picture.HEIGHT} /dev/fb1 | base64 -w0")
+        return picture.rows_of_565(base64.b64decode(data), stride)
+    fine, coarse = accepted(unit), accepted(unit, "expected-16")
+    try:
+        return tour.play(unit, take, lambda name, rows: coarse_equal(fine, coarse, name, rows))
+    finally:
+        restart_with(unit)
+        unit.must("modprobe -r -d /try vfb")
+
+
+def coarse_equal(fine, coarse, name, rows):
+    path = os.path.join(coarse.folder, name + ".png")
+    if os.environ.get("ACCEPT"):
+        beside = [picture.without(image, fine.texts.get(name, [])) for image in (rows, fine.load(name))]
+        if picture.farthest(*beside) > ROUNDING:
+            return False
+        os.makedirs(coarse.folder, exist_ok=True)
+        picture.write_png(path, rows)
+    return coarse.compared(name, rows) == coarse.compared(name, coarse.load(name))
+
+
+ROUNDING = 8

@@ -1,0 +1,82 @@
+"""The tour of the screens, played to the panel over the link."""
+
+import os
+
+from unit import Failed, require, wait_for
+import picture
+
+# In these the menu is turning: the unit's clock does not stand still for them.
+MOVING = ("menu-turn",)
+# The texts of these come from the network that the unit is in.
+LIVE_TEXTS = ("setup-waiting", "setup-live")
+
+
+class Accepted:
+    """The accepted pictures and the places of their texts."""
+
+    def __init__(self, folder, source):
+        self.folder = folder
+        self.texts = {}
+        with open(os.path.join(source, "tests/pictures/expected/texts.txt"), encoding="utf-8") as file:
+            for line in file:
+                name, *box = line.split()
+                self.texts.setdefault(name, []).append(tuple(map(int, box)))
+
+    def load(self, name):
+        return picture.read_png(os.path.join(self.folder, name + ".png"))
+
+    def compared(self, name, rows):
+        """What of a picture counts."""
+        return picture.without(rows, self.texts.get(name, [])) if name in LIVE_TEXTS else rows
+
+
+def steps_of(path):
+    """(lines to say, files to install, picture to take) for each picture of the tour; media lie where the unit has them."""
+    lines, installs = [], []
+    with open(path, encoding="utf-8") as file:
+        for line in map(str.strip, file):
+            if line.startswith("picture "):
+                yield lines, installs, line.split()[1]
+                lines, installs = [], []
+            elif line.startswith("install "):
+                if lines:
+                    yield lines, installs, None
+                    lines, installs = [], []
+                installs.append(line.split()[1:])
+            elif line and not line.startswith("#"):
+                lines.append(line.replace("file music/", "file /srv/music/"))
+    yield lines, installs, None
+
+
+def install(unit, source, target):
+    with open(os.path.join(unit.bench.source, "tools/demo-unit", source), "rb") as file:
+        text = file.read().decode()
+    unit.must(f"cat >{target} <<'END'\n{text}\nEND")
+
+
+def comes(condition, seconds):
+    try:
+        return wait_for(condition, seconds, "")
+    except Failed:
+        return False
+
+
+def play(unit, take, check):
+    """Plays the tour. `take` gives the display's picture; `check` (name, rows) says whether it is the right one. Returns the
+    names of the pictures that never came, and how many were looked at."""
+    wrong, count = [], 0
+    install(unit, "root/tmp/sampleRate", "/tmp/sampleRate")
+    for lines, installs, name in steps_of(os.path.join(unit.bench.source, "tools/demo-unit/tour.txt")):
+        for source, target in installs:
+            install(unit, source, target)
+        at_rest = name is not None and not name.startswith(MOVING)
+        # Some are there only while the supervisor still waits for its last line to be taken.
+        with unit.supervisor("\n".join(lines)) as saying:
+            came = not at_rest or comes(lambda: check(name, take()), 15 * unit.bench.patience)
+        require(saying.returncode == 0, f"the supervisor failed before {name}")
+        count += at_rest
+        if not came:
+            wrong.append(name)
+            picture.write_png(os.path.join(unit.bench.folder, name + ".png"), take())
+    require(not wrong, f"{len(wrong)} of {count} pictures differ, see {unit.bench.folder}: {' '.join(wrong)}")
+    return f"{count} pictures"
