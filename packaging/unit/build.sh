@@ -21,21 +21,37 @@ rows() { # the lines of a list without its comments
     sed '/^#/d;/^$/d' "$here/$1"
 }
 
-# The emulator of one's own processor runs the installed scripts of a foreign one.
+# Scripts of a foreign architecture's packages run in the emulator of single programs, when the system knows it.
 check_emulator() {
-    local name=${emulators[$arch]:-}
-    [ -z "$name" ] || [ "$(dpkg --print-architecture)" = "$arch" ] && return
-    [ -e "/proc/sys/fs/binfmt_misc/$name" ] ||
-        fail "the system does not run $arch programs: as root, systemctl restart systemd-binfmt or packaging/unit/binfmt.sh"
+    local name=${emulators[$arch]:-} known=/proc/sys/fs/binfmt_misc
+    [ -z "$name" ] || [ "$(dpkg --print-architecture)" = "$arch" ] || [ -e "$known/$name" ] ||
+        fail "this system starts no programs of $arch; as root: cat /usr/lib/binfmt.d/$name.conf >$known/register"
+}
+
+# A foreign package cannot look up what its program needs: that is the table of docs/unit.md.
+foreign_package() {
+    local needs="libqt6widgets6, libqt6network6, libqt6statemachine6, libqt6core5compat6, fonts-unifont, net-tools, systemd"
+    tools/setup.sh build cross package
+    packaging/sysroot.sh "$arch"
+    cmake --preset "$arch"
+    cmake --build --preset "$arch" --target vireo
+    (cd "build/$arch" && cpack -G DEB -D CPACK_COMPONENTS_ALL=panel -D CPACK_DEBIAN_PACKAGE_ARCHITECTURE="$arch" \
+        -D CPACK_DEBIAN_PACKAGE_SHLIBDEPS=OFF -D CPACK_DEBIAN_PANEL_PACKAGE_DEPENDS="$needs")
 }
 
 panel_package() {
+    local folder=build/package
     if [ -n "${PANEL_DEB:-}" ]; then
         echo "$PANEL_DEB"
         return
     fi
-    packaging/make-deb.sh "$arch" >&2
-    ls "build/$([ "$arch" = amd64 ] && echo package || echo "$arch")"/vireo_*_"$arch".deb
+    if [ "$(dpkg --print-architecture)" = "$arch" ]; then
+        packaging/make-deb.sh >&2
+    else
+        folder=build/$arch
+        foreign_package >&2
+    fi
+    ls "$folder"/vireo_*_"$arch".deb
 }
 
 # The names in a package's dependencies; of alternatives the first.

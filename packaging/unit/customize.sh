@@ -39,7 +39,7 @@ install -D -m 644 -t "$root/etc/systemd/system" "$rights"/vireo-network-restart.
 install -D -m 644 "$rights/vireo.service.d.conf" "$root/etc/systemd/system/vireo.service.d/network-restart.conf"
 
 # What was only needed to lay the system out.
-APT_CONFIG=$MMDEBSTRAP_APT_CONFIG apt-get -q -y purge --auto-remove usrmerge >/dev/null
+chroot "$root" dpkg --purge $(chroot "$root" dpkg-query -W -f '${Package} ' usrmerge 'lib*-perl' perl 'perl-modules-*' 'libperl5*') >/dev/null
 
 # Nobody logs in.
 for unit in getty@.service serial-getty@.service getty.target systemd-logind.service systemd-update-utmp.service \
@@ -48,5 +48,7 @@ for unit in getty@.service serial-getty@.service getty.target systemd-logind.ser
 done
 systemctl --root="$root" --quiet enable unit-network.service desk-link.service vireo-network-restart.path
 systemctl --root="$root" --quiet set-default multi-user.target
-chroot "$root" fc-cache
+# The list of fonts holds as long as their folders keep their time, which an archive has in whole seconds.
+find "$root/usr/share/fonts" -type d -exec touch -d @1700000000 {} +
+chroot "$root" fc-cache -s
 rm -rf "$root"/var/lib/apt/lists/* "$root"/var/cache/apt/* "$root"/var/log/* "$root"/boot/*

@@ -20,6 +20,7 @@ ROWS = (
     ("screens on the frame buffer", screens.frame_buffer, True),
     ("a foreign address gets no answer", network.foreign_address, True),
     ("DHCP switched on the panel", network.dhcp, False),
+    ("wait notice while the network restarts", screens.wait_notice, False),
     ("stick pulled out while it plays", stick.pulled_while_playing, False),
     ("stick pulled out while tags are read", stick.pulled_while_reading, False),
     ("panel killed", service.killed, True),
@@ -31,8 +32,6 @@ ROWS = (
     ("memory bound reached by a child", service.memory_bound, False),
     ("package upgraded and rolled back", service.upgrade, False),
     ("display loaded late", screens.late_display, False),
-    ("screens on DRM alone", screens.direct_rendering, False),
-    ("screens at 16 bits a pixel", screens.virtual_frame_buffer, False),
     ("journeys and network restart inside", service.tests, False),
 )
 POWER = "plug pulled while files are written"
@@ -68,6 +67,7 @@ def main(arch, source, *words):
             if rows[0][1] is screens.first_light:
                 table.row(*rows.pop(0)[:2], unit)
             unit.wait_for_hands()
+            service.ready(unit)
             for name, check, _ in rows:
                 table.row(name, check, unit)
     if wanted(POWER, only) and "quick" not in words:

@@ -1,4 +1,4 @@
-"""Pictures as lists of rows of (red, green, blue): the camera's, the accepted ones, and those of 16 bits a pixel."""
+"""Pictures as lists of rows of (red, green, blue): the camera's and the accepted ones."""
 
 import struct
 import zlib
@@ -20,14 +20,6 @@ def read_camera(path):
 def rows_of(samples, channels):
     pixels = [tuple(samples[i:i + 3]) for i in range(0, len(samples), channels)]
     return [pixels[y * WIDTH:(y + 1) * WIDTH] for y in range(HEIGHT)]
-
-
-def rows_of_565(data, stride):
-    """What a frame buffer of 16 bits a pixel holds: five bits of red, six of green, five of blue."""
-    def pixel(value):
-        red, green, blue = value >> 11, value >> 5 & 63, value & 31
-        return (red << 3 | red >> 2, green << 2 | green >> 4, blue << 3 | blue >> 2)
-    return [[pixel(value) for value in struct.unpack_from(f"<{WIDTH}H", data, y * stride)] for y in range(HEIGHT)]
 
 
 def _undo_filter(kind, line, above, step):
@@ -99,8 +91,3 @@ def without(rows, boxes):
 def part(rows, box):
     left, top, width, height = box
     return [row[left:left + width] for row in rows[top:top + height]]
-
-
-def farthest(one, other):
-    """By how much the channel that differs most differs, of 255."""
-    return max(abs(a - b) for row, row2 in zip(one, other) for p, p2 in zip(row, row2) for a, b in zip(p, p2))

@@ -1,18 +1,14 @@
-"""Rows about what is seen: from power-on to the logo, and every screen on every kind of display."""
+"""Rows about what is seen: from power-on to the logo, and every screen on the frame buffer."""
 
-import base64
 import os
 
 from unit import Failed, require, wait_for
 import picture
 import tour
 
-DROP_IN = "/run/systemd/system/vireo.service.d/try.conf"
 
-
-def accepted(unit, folder="expected"):
-    source = unit.bench.source
-    return tour.Accepted(os.path.join(source, "tests/pictures", folder), source)
+def accepted(unit):
+    return tour.Accepted(unit.bench.source)
 
 
 def first_light(unit):
@@ -55,13 +51,15 @@ def frame_buffer(unit):
                      == pictures.compared(name, pictures.load(name)))
 
 
-def restart_with(unit, *lines):
-    """Starts the panel anew with more lines in its service; without any as it was."""
-    if lines:
-        unit.must(f"mkdir -p $(dirname {DROP_IN}); printf '%s\\n' '[Service]' {' '.join(repr(line) for line in lines)} >{DROP_IN}")
-    else:
-        unit.must(f"rm -f {DROP_IN}")
-    unit.must("systemctl daemon-reload && systemctl restart vireo")
+def wait_notice(unit):
+    """While the network restarts, the notice that says so is seen."""
+    pictures = accepted(unit)
+    wanted = pictures.compared("setup-waiting", pictures.load("setup-waiting"))
+    unit.told("device ir", "key long-select", "wait 100", "enc 2", "key select", "wait 4000", "expect setup")
+    choice = ("enc 1", "enc -1")["<dhcp>no" in unit.must("cat /opt/orvane/conf/network.xml")]
+    with unit.supervisor(f"key select\n{choice}\nkey select"):
+        wait_for(lambda: pictures.compared("setup-waiting", unit.picture()) == wanted, 15 * unit.bench.patience,
+                 "no notice on the display")
 
 
 def unload_display(unit):
@@ -84,49 +82,3 @@ def shows(unit, rows):
         return unit.picture() == rows
     except ValueError:
         return False
-
-
-def direct_rendering(unit):
-    """The kernel's display without the emulation of a frame buffer."""
-    unload_display(unit)
-    unit.must("modprobe -r drm_kms_helper; modprobe drm_kms_helper fbdev_emulation=0; modprobe virtio_gpu")
-    unit.waits_until("test -e /dev/dri/card0", 30, "no display")
-    require(unit.do("test -e /dev/fb0")[0] != 0, "there is a frame buffer")
-    restart_with(unit, "Environment=QT_QPA_FB_DRM=1", "Environment=QT_QPA_PLATFORM=linuxfb", "DeviceAllow=char-drm rw")
-    try:
-        return frame_buffer(unit)
-    finally:
-        restart_with(unit)
-
-
-def virtual_frame_buffer(unit):
-    """16 bits a pixel: equal to the accepted pictures of that depth, and those equal to the others but for the rounding."""
-    unit.must("modprobe -d /try vfb vfb_enable=1 mode=320x240-16@60 videomemorysize=1048576")
-    unit.waits_until("test -e /dev/fb1", 30, "no second frame buffer")
-    require(unit.must("cat /sys/class/graphics/fb1/bits_per_pixel") == "16", "not 16 bits a pixel")
-    stride = int(unit.must("cat /sys/class/graphics/fb1/stride"))
-    restart_with(unit, "Environment=QT_QPA_PLATFORM=linuxfb:fb=/dev/fb1:tty=/dev/null:nographicsmodeswitch")
-
-    def take():
-        data = unit.must(f"head -c {stride * picture.HEIGHT} /dev/fb1 | base64 -w0")
-        return picture.rows_of_565(base64.b64decode(data), stride)
-    fine, coarse = accepted(unit), accepted(unit, "expected-16")
-    try:
-        return tour.play(unit, take, lambda name, rows: coarse_equal(fine, coarse, name, rows))
-    finally:
-        restart_with(unit)
-        unit.must("modprobe -r -d /try vfb")
-
-
-def coarse_equal(fine, coarse, name, rows):
-    path = os.path.join(coarse.folder, name + ".png")
-    if os.environ.get("ACCEPT"):
-        beside = [picture.without(image, fine.texts.get(name, [])) for image in (rows, fine.load(name))]
-        if picture.farthest(*beside) > ROUNDING:
-            return False
-        os.makedirs(coarse.folder, exist_ok=True)
-        picture.write_png(path, rows)
-    return coarse.compared(name, rows) == coarse.compared(name, coarse.load(name))
-
-
-ROUNDING = 8

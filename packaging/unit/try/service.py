@@ -92,7 +92,7 @@ def upgrade(unit):
 
 def journal(unit):
     """Lines without colours, and errors told from the rest."""
-    escape = unit.do("journalctl -b --no-pager -o cat | grep -c \"$(printf '\\033')\"")[1]
+    escape = unit.do("journalctl -u vireo --no-pager -o cat | grep -c \"$(printf '\\033')\"")[1]
     require(escape.strip() == b"0", f"{escape.decode().strip()} lines with colour codes")
     unit.must("systemctl stop vireo; systemd-run -q --unit=thief busybox nc -l -p 5000")
     unit.do("systemctl start --no-block vireo")

@@ -49,9 +49,8 @@ def pulled_while_reading(unit):
     """The stick is slow and goes while the panel reads a file from its first page to its last."""
     before = process(unit)
     plug_in(unit, bytes_a_second=4096)
-    unit.told("device usb", "disk-state normal", f"file {MOUNT}/quiet-hall.ogg")
-    unit.waits_until(f"grep -qs {MOUNT} /proc/{before}/mountinfo && ls -l /proc/{before}/fd | grep -q {MOUNT}", 20,
-                     "the panel does not read")
-    pull_out(unit)
+    with unit.supervisor(f"device usb\ndisk-state normal\nfile {MOUNT}/quiet-hall.ogg"):
+        unit.waits_until(f"ls -l /proc/{before}/fd | grep -q {MOUNT}", 20, "the panel does not read")
+        pull_out(unit)
     answers(unit)
     require(process(unit) == before, "the panel went")

@@ -56,6 +56,13 @@ class Bench:
         subprocess.run(["debugfs", "-w", "-f", "-", disk], input=commands.encode(), check=True, capture_output=True)
         return disk
 
+    def beside_the_unit(self, command, **more):
+        """Starts a program of the desk that sees the unit's media under the paths that they have on the unit."""
+        return subprocess.Popen(
+            ["unshare", "-rm", "sh", "-ec", 'mount -t tmpfs none /srv; mkdir /srv/music /srv/stick; '
+             'mount --bind "$1" /srv/music; mount --bind "$2" /srv/stick; shift 2; exec "$@"', "sh",
+             os.path.join(self.source, "tools/demo-unit/music"), self.stick_folder, *command], **more)
+
 
 class Unit:
     """One boot. Ends with the plug pulled."""
@@ -116,14 +123,10 @@ class Unit:
         wait_for(lambda: self.do(command)[0] == 0, seconds * self.bench.patience, message)
 
     def supervisor(self, script, port=None):
-        """The stand-in supervisor, started on a script; its files are where the unit's are."""
-        process = subprocess.Popen(
-            ["unshare", "-rm", "sh", "-ec", 'mount -t tmpfs none /srv; mkdir /srv/music /srv/stick; '
-             'mount --bind "$1" /srv/music; mount --bind "$2" /srv/stick; shift 2; exec "$@"', "sh",
-             os.path.join(self.bench.source, "tools/demo-unit/music"), self.bench.stick_folder,
-             self.bench.supervisor, "--port", str(port or self.machine.port), "script", "-"],
-            stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
-            env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
+        """The stand-in supervisor, started on a script."""
+        process = self.bench.beside_the_unit([self.bench.supervisor, "--port", str(port or self.machine.port), "script", "-"],
+                                             stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                                             env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
         process.stdin.write(script.encode() + b"\n")
         process.stdin.close()
         return process
