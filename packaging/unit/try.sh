@@ -54,4 +54,4 @@ copy_tests "$tree"
 rm -f "$out/try/try.disk"
 mke2fs -q -t ext4 -d "$tree" "$out/try/try.disk" 300M
 rm -r "$tree"
-exec python3 packaging/unit/try/main.py "$arch" "$PWD" "$@"
+exec python3 -B packaging/unit/try/main.py "$arch" "$PWD" "$@"
