@@ -39,7 +39,11 @@ install -D -m 644 -t "$root/etc/systemd/system" "$rights"/vireo-network-restart.
 install -D -m 644 "$rights/vireo.service.d.conf" "$root/etc/systemd/system/vireo.service.d/network-restart.conf"
 
 # What was only needed to lay the system out.
-chroot "$root" dpkg --purge $(chroot "$root" dpkg-query -W -f '${Package} ' usrmerge 'lib*-perl' perl 'perl-modules-*' 'libperl5*') >/dev/null
+installed() { # NAME...
+    chroot "$root" dpkg-query -W -f '${Package} ${Version}\n' "$@" 2>/dev/null | awk 'NF == 2 {print $1}'
+}
+mapfile -t unneeded < <(installed usrmerge 'lib*-perl' perl 'perl-modules-*' 'libperl5*')
+chroot "$root" dpkg --purge "${unneeded[@]}" >/dev/null
 
 # Nobody logs in.
 for unit in getty@.service serial-getty@.service getty.target systemd-logind.service systemd-update-utmp.service \

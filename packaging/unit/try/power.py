@@ -6,6 +6,7 @@ import random
 import shutil
 import subprocess
 
+import service
 from unit import Unit, require, wait_for
 
 CONF = "/opt/orvane/conf"
@@ -47,11 +48,11 @@ def documents(bench, disk):
     found = {name: set() for name in WRITTEN}
     with Unit(bench, disk) as unit:
         unit.wait_for_hands()
-        for _ in range(2):
-            for lines in WRITES:
-                for name, texts in found.items():
-                    texts.add(unit.must(f"cat {CONF}/{name}"))
-                unit.told(*lines)
+        service.answers(unit)
+        for lines in WRITES * 3:
+            unit.told(*lines)
+            for name, texts in found.items():
+                texts.add(unit.must(f"cat {CONF}/{name} 2>/dev/null || true"))
         unit.must("sync")
     require(all(len(texts) > 1 for texts in found.values()), "the panel does not write")
     return found
