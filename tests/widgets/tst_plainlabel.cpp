@@ -8,8 +8,8 @@
 
 namespace {
 
-const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
-const Qt::Alignment topLeft = Qt::AlignLeft | Qt::AlignTop;
+const Qt::Alignment atLeft = Qt::AlignLeft | Qt::AlignVCenter;
+const Qt::Alignment atTopLeft = Qt::AlignLeft | Qt::AlignTop;
 constexpr QSize box(168, 20); // of the player's album
 
 QImage pictureIn(QLabel& label, const QString& text, Qt::Alignment alignment)
@@ -23,14 +23,14 @@ QImage pictureIn(QLabel& label, const QString& text, Qt::Alignment alignment)
     return label.grab().toImage();
 }
 
-QImage picture(const QString& text, Qt::Alignment alignment = left)
+QImage picture(const QString& text, Qt::Alignment alignment = atLeft)
 {
     PlainLabel label;
     return pictureIn(label, text, alignment);
 }
 
 /** What a label of the toolkit itself shows. */
-QImage toolkits(const QString& text, Qt::Alignment alignment = left)
+QImage toolkits(const QString& text, Qt::Alignment alignment = atLeft)
 {
     QLabel label;
     return pictureIn(label, text, alignment);
@@ -103,7 +103,7 @@ private slots:
     void showsWhatALabelOfTheToolkitShows()
     {
         QFETCH(QString, text);
-        for (const Qt::Alignment alignment : {left, Qt::Alignment(Qt::AlignCenter)})
+        for (const Qt::Alignment alignment : {atLeft, Qt::Alignment(Qt::AlignCenter)})
             QCOMPARE(picture(text, alignment), toolkits(text, alignment));
     }
 
@@ -126,10 +126,10 @@ private slots:
     {
         QFETCH(QString, text);
         const QImage shown = picture(text);
-        QCOMPARE(shown, toolkits(text, topLeft));
+        QCOMPARE(shown, toolkits(text, atTopLeft));
         const QString first = text.left(text.indexOf(QRegularExpression(QStringLiteral("[\n\u2028]"))));
         const QRect firstLine(0, 0, box.width(), 16);
-        QCOMPARE(shown.copy(firstLine), toolkits(first, topLeft).copy(firstLine));
+        QCOMPARE(shown.copy(firstLine), toolkits(first, atTopLeft).copy(firstLine));
         const Qt::Alignment centred = Qt::AlignCenter;
         QCOMPARE(picture(text, centred), toolkits(text, Qt::AlignHCenter | Qt::AlignTop));
     }
@@ -138,10 +138,10 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<Qt::Alignment>("alignment");
-        QTest::newRow("left") << QStringLiteral("Title") << left;
+        QTest::newRow("left") << QStringLiteral("Title") << atLeft;
         QTest::newRow("centred") << QStringLiteral("Title") << Qt::Alignment(Qt::AlignCenter);
-        QTest::newRow("written from the right") << QStringLiteral("שלום (a)") << left;
-        QTest::newRow("two lines") << QStringLiteral("one\ntwo") << left;
+        QTest::newRow("written from the right") << QStringLiteral("שלום (a)") << atLeft;
+        QTest::newRow("two lines") << QStringLiteral("one\ntwo") << atLeft;
     }
     void controlCharactersDrawNothing()
     {
