@@ -15,7 +15,7 @@ constexpr int errorsOnly = 4;
 constexpr int silence = 5;
 
 constexpr char help[] =
-    "Usage: vireo [LEVEL] [toolkit options]\n"
+    "Usage: vireo [LEVEL] [Qt options]\n"
     "Shows the amplifier's front panel and listens on TCP port 5000 for its supervisor.\n"
     "\n"
     "LEVEL is the lowest level that is printed on standard error: 0 everything, 1 all but\n"

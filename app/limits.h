@@ -52,7 +52,7 @@ constexpr int killedMs = 1000;
 /** a network that has not restarted by then will not */
 constexpr int networkRestartMs = 30 * 1000;
 
-/** how often a wait tells the service manager that the panel lives */
+/** how often a wait tells systemd that the panel lives */
 constexpr int aliveMs = 1000;
 
 // texts that show
@@ -94,7 +94,7 @@ constexpr int jpegBlocks = 16 * 1024 * 1024;
 /** of a JPEG in several scans, where each byte may change many coefficients */
 constexpr int jpegScansBytes = 8 * 1024 * 1024;
 
-/** remarks and the like in a JPEG; the toolkit keeps each in pieces of memory of its own */
+/** remarks and the like in a JPEG; Qt keeps each in pieces of memory of its own */
 constexpr int jpegNotes = 1024;
 
 /** of a picture in a format that nobody uses for large covers and whose decoder may be slow */

@@ -103,10 +103,8 @@ void addRows(Bench& bench, const std::string& when, Strip& strip, const std::vec
     const auto times = medianMicroseconds(
         bench.effort, {{"panel", draw}, {"toolkit", paint}, {"alike", paintAlike}, {"copy", copy}});
     const std::string row = "cover-flow frame " + when;
-    bench.table.add(row + " / the toolkit's perspective, smooth edges", "us", times[0], times[2],
-                    timesFaster(3));
-    bench.table.add(row + " / the toolkit's perspective, jagged edges", "us", times[0], times[1],
-                    timesFaster(3));
+    bench.table.add(row + " / Qt's perspective, smooth edges", "us", times[0], times[2], timesFaster(3));
+    bench.table.add(row + " / Qt's perspective, jagged edges", "us", times[0], times[1], timesFaster(3));
     bench.table.add(row + " / a copy of the frame", "us", times[0], times[3]);
 }
 

@@ -188,8 +188,7 @@ void addLcdRequestRow(Bench& bench, Link& panel, LcdServer& lcd)
         lcd.run(1);
         lcdTimes.push_back(microseconds(clock));
     }
-    bench.table.add("mode request, median / a command of the panel server", "us", median(panelTimes),
-                    median(lcdTimes));
+    bench.table.add("mode request, median / a command of LCDd", "us", median(panelTimes), median(lcdTimes));
 }
 
 void addLcdBurstRow(Bench& bench, Link& panel, LcdServer& lcd)
@@ -199,8 +198,8 @@ void addLcdBurstRow(Bench& bench, Link& panel, LcdServer& lcd)
     QElapsedTimer clock;
     clock.start();
     lcd.run(count);
-    bench.table.add("a packet in a burst of " + std::to_string(count) + " / a command of the panel server",
-                    "us", ours / count, microseconds(clock) / count);
+    bench.table.add("a packet in a burst of " + std::to_string(count) + " / a command of LCDd", "us",
+                    ours / count, microseconds(clock) / count);
 }
 
 void addLcdIdleRows(Bench& bench, const Program& panel, const LcdServer& lcd)
@@ -210,14 +209,13 @@ void addLcdIdleRows(Bench& bench, const Program& panel, const LcdServer& lcd)
     QThread::msleep(ulong(bench.effort.idleMilliseconds));
     const ActivityFigures panelAfter = panel.activity();
     const ActivityFigures lcdAfter = lcd.program.activity();
-    const std::string time =
-        " in " + std::to_string(bench.effort.idleMilliseconds) + " idle ms / the panel server";
+    const std::string time = " in " + std::to_string(bench.effort.idleMilliseconds) + " idle ms / LCDd";
     bench.table.add("wakeups" + time, "", panelAfter.wakeups - panelBefore.wakeups,
                     lcdAfter.wakeups - lcdBefore.wakeups);
     bench.table.add("processor time" + time, "us",
                     panelAfter.processorMicroseconds - panelBefore.processorMicroseconds,
                     lcdAfter.processorMicroseconds - lcdBefore.processorMicroseconds);
-    bench.table.add("private memory / the panel server", "MiB", panel.memory().privateMiB,
+    bench.table.add("private memory / LCDd", "MiB", panel.memory().privateMiB,
                     lcd.program.memory().privateMiB);
 }
 

@@ -18,7 +18,7 @@
 
 #include <random>
 
-/** Reading tags, beside the well-known tag library. */
+/** Reading tags, beside the well-known TagLib. */
 
 namespace {
 
@@ -149,8 +149,7 @@ void addShownRow(Bench& bench, Panel& panel, const char* format, const QString& 
     };
     const auto times =
         medianMicroseconds(bench.effort, {{"panel", show}, {"library", [&] { library(path); }}});
-    bench.table.add(std::string(format)
-                        + " file name to shown tags and cover / tag library, decode and scale",
+    bench.table.add(std::string(format) + " file name to shown tags and cover / TagLib, decode and scale",
                     "us", times[0], times[1], noSlower);
 }
 
@@ -160,8 +159,8 @@ void addReadRow(Bench& bench, const char* format, const char* demoFile, ReadWith
     QTagParser parser(nullptr);
     const auto times = medianMicroseconds(
         bench.effort, {{"panel", [&] { parser.setFile(path); }}, {"library", [&] { library(path); }}});
-    bench.table.add(std::string("tags of a small ") + format + " file / tag library", "us", times[0],
-                    times[1], noSlower);
+    bench.table.add(std::string("tags of a small ") + format + " file / TagLib", "us", times[0], times[1],
+                    noSlower);
 }
 
 } // namespace
