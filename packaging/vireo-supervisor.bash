@@ -31,7 +31,7 @@ _vireo_supervisor()
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} words=() usage i
     for ((i = 1; i < COMP_CWORD; ++i)); do
         case ${COMP_WORDS[i]} in
-        -h | --help | --version) ;;
+        -h | --help | --version | --panel-place) ;;
         -*) [ ${#words[@]} -gt 1 ] && words+=("${COMP_WORDS[i]}") || i=$((i + 1)) ;;
         *) words+=("${COMP_WORDS[i]}") ;;
         esac
@@ -47,7 +47,7 @@ _vireo_supervisor()
         awk -v word="${words[1]}" '$1 == word { $1 = ""; print }')) ;;
     esac
     [[ $current == -* && ${#words[@]} -lt 2 ]] &&
-        usage=$(_vireo_supervisor_usages Options | grep -o -- '--\?[a-z]\+')
+        usage=$(_vireo_supervisor_usages Options | grep -o -- '--\?[a-z-]\+')
     [ -z "$usage" ] || COMPREPLY=($(compgen -W "$usage" -- "$current"))
 }
 complete -F _vireo_supervisor vireo-supervisor

@@ -47,6 +47,20 @@ private slots:
         QCOMPARE(printed.endsWith(QStringLiteral("; send and script work without one\n")),
                  program == QStringLiteral(SUPERVISOR_PROGRAM));
     }
+
+    void tourExplainsItself()
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+            environment.remove(QString::fromLatin1(name));
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(TOUR_PROGRAM), {QStringLiteral("--help")});
+        QVERIFY(process.waitForFinished(30000));
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY(process.readAllStandardOutput().startsWith("Usage: vireo-tour TOUR FOLDER\n"));
+        QCOMPARE(process.readAllStandardError(), QByteArray());
+    }
 };
 
 VIREO_TEST_MAIN(NoDisplayTest)

@@ -62,6 +62,12 @@ QString takePlace(const QString& value, CommandLine& into)
     return {};
 }
 
+QString takePanelPlace(const QString&, CommandLine& into)
+{
+    into.run = CommandLine::Run::PanelPlace;
+    return {};
+}
+
 QString takeHelp(const QString&, CommandLine& into)
 {
     into.run = CommandLine::Run::Help;
@@ -80,6 +86,8 @@ constexpr Option options[] = {
     {"timeout", "", "MS", "how long to wait for an answer, in milliseconds (35000)", takeTimeout},
     {"music", "", "FOLDER", "music for the window's disk", takeMusic},
     {"at", "", "X,Y", "where on the screen the window opens, in pixels", takePlace},
+    {"panel-place", "", "", "prints where the panel goes beside the window, for vireo -qwindowgeometry",
+     takePanelPlace},
     {"help", "h", "", "prints this text", takeHelp},
     {"version", "", "", "prints the version", takeVersion},
 };

@@ -14,7 +14,7 @@ enum class ExitStatus { Done, Usage, NoPanel, NoAnswer, Unmet };
 
 /** What the program was started for. */
 struct CommandLine {
-    enum class Run { Window, Send, Script, Help, Version };
+    enum class Run { Window, PanelPlace, Send, Script, Help, Version };
 
     Run run = Run::Window;
     QString host = QStringLiteral("127.0.0.1");

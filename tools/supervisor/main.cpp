@@ -2,6 +2,7 @@
 #include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/commandline.h"
 #include "tools/supervisor/look.h"
+#include "tools/supervisor/place.h"
 #include "tools/supervisor/script.h"
 #include "tools/supervisor/supervisorwindow.h"
 
@@ -19,19 +20,32 @@ QStringList textArguments(int argc, char** argv)
     return result;
 }
 
-int runWindow(int& argc, char** argv, const CommandLine& commandLine)
+int showWindow(const CommandLine& commandLine)
 {
-    DisplayGuard display("vireo-supervisor", "; send and script work without one");
-    QApplication application(argc, argv);
-    display.release();
-    Look::dress(application);
-    QApplication::setApplicationDisplayName(QStringLiteral("Vireo supervisor"));
     SupervisorWindow window(commandLine.host, commandLine.port);
     if (!commandLine.music.isEmpty())
         window.openMusic(commandLine.music);
     window.fitToScreen(commandLine.place);
     window.show();
     return QApplication::exec();
+}
+
+int printPanelPlace()
+{
+    const QPoint corner = panelCornerOn(*QGuiApplication::primaryScreen());
+    printLine(QStringLiteral("+%1+%2").arg(corner.x()).arg(corner.y()));
+    return int(ExitStatus::Done);
+}
+
+/** What needs a display. */
+int runOnDisplay(int& argc, char** argv, const CommandLine& commandLine)
+{
+    DisplayGuard display("vireo-supervisor", "; send and script work without one");
+    QApplication application(argc, argv);
+    display.release();
+    Look::dress(application);
+    QApplication::setApplicationDisplayName(QStringLiteral("Vireo supervisor"));
+    return commandLine.run == CommandLine::Run::Window ? showWindow(commandLine) : printPanelPlace();
 }
 
 } // namespace
@@ -41,8 +55,8 @@ int main(int argc, char** argv)
     const CommandLine commandLine = CommandLine::parse(textArguments(argc, argv));
     if (!commandLine.error.isEmpty())
         return failure(commandLine.error);
-    if (commandLine.run == CommandLine::Run::Window)
-        return runWindow(argc, argv, commandLine);
+    if (commandLine.run == CommandLine::Run::Window || commandLine.run == CommandLine::Run::PanelPlace)
+        return runOnDisplay(argc, argv, commandLine);
     QCoreApplication application(argc, argv);
     if (commandLine.run == CommandLine::Run::Send)
         return runSend(commandLine);

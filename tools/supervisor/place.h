@@ -2,6 +2,14 @@
 
 #include <QRect>
 
+class QScreen;
+
+/** The panel's size on a screen, in the pixels that a window of this program has there. */
+QSize panelSizeOn(const QScreen& screen);
+
+/** Where the panel goes on a screen, in the panel's own pixels. */
+QPoint panelCornerOn(const QScreen& screen);
+
 /**
  * Where a window opens on a screen, frame included, all in the same pixels.
  *

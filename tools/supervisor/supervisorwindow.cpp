@@ -24,7 +24,6 @@
 namespace {
 
 constexpr int logLines = 500;
-constexpr QSize panelSize(320, 240); // device pixels of its own
 
 /** Words that come many times while something plays: not logged, and not followed by a question. */
 bool isRunningValue(const QStringList& words)
@@ -53,14 +52,6 @@ public:
         return {0, leastLines * fontMetrics().height()};
     }
 };
-
-/** The panel's size in the pixels of a window that scales by `ratio`; it scales by this variable alone. */
-QSize panelSizeFor(double ratio)
-{
-    bool isNumber = false;
-    const double factor = qEnvironmentVariable("QT_SCALE_FACTOR").toDouble(&isNumber);
-    return (QSizeF(panelSize) * (isNumber ? factor : 1) / ratio).toSize();
-}
 
 } // namespace
 
@@ -103,8 +94,8 @@ void SupervisorWindow::fitToScreen(const std::optional<QPoint>& corner)
     const QSize frame(border, border + style()->pixelMetric(QStyle::PM_TitleBarHeight));
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     const QSize least(m_front->minimumSizeHint().width() + bar, m_front->minimumSizeHint().height());
-    QRect place = placeBeside(panelSizeFor(where->devicePixelRatio()), where->availableGeometry(),
-                              sizeHint() + frame, least + frame);
+    QRect place =
+        placeBeside(panelSizeOn(*where), where->availableGeometry(), sizeHint() + frame, least + frame);
     if (corner)
         place.moveTopLeft(*corner);
     resize(place.size() - frame);

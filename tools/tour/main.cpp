@@ -1,3 +1,4 @@
+#include "app/displayguard.h"
 #include "app/dprintf.h"
 #include "mainwindow/mainwindow.h"
 #include "tools/tour/contactsheet.h"
@@ -6,10 +7,18 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
 constexpr int silence = 5;
+
+constexpr char help[] =
+    "Usage: vireo-tour TOUR FOLDER\n"
+    "\n"
+    "Plays the words of the file TOUR to a panel of its own and saves in FOLDER a picture of each\n"
+    "named moment, contact-sheet.png of all of them, and the places of the texts. It needs a\n"
+    "display; QT_QPA_PLATFORM=offscreen is one.\n";
 
 int fail(const QString& message)
 {
@@ -38,16 +47,20 @@ bool saveTexts(const QDir& folder, const QList<Picture>& pictures)
 
 } // namespace
 
-/** vireo-tour TOUR FOLDER: plays the tour and saves in the folder its pictures, a contact sheet and the
- * places of the texts. */
 int main(int argc, char** argv)
 {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(help, stdout);
+        return 0;
+    }
+    if (argc != 3)
+        return fail(QStringLiteral("usage: vireo-tour TOUR FOLDER"));
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     qputenv("QT_FONT_DPI", "96");
+    DisplayGuard display("vireo-tour");
     QApplication application(argc, argv);
+    display.release();
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 3)
-        return fail(QStringLiteral("usage: vireo-tour TOUR FOLDER"));
     const Tour tour(arguments.at(1));
     if (!tour.error().isEmpty())
         return fail(tour.error());
