@@ -108,10 +108,22 @@ private:
     static QByteArray asCString(const QByteArray& bytes) { return QByteArray(bytes.constData()); }
     static QString utf8(const QByteArray& bytes) { return QString::fromUtf8(asCString(bytes)); }
 
+    /** A line feed that ends the line stays. */
+    static QByteArray withoutControls(const QByteArray& line)
+    {
+        QByteArray shown;
+        for (int i = 0; i < line.size(); ++i) {
+            const QByteArray byte = line.mid(i, 1);
+            const bool isControl = quint8(byte.at(0)) < 32 || quint8(byte.at(0)) == 127;
+            const bool ends = byte == "\n" && i == line.size() - 1;
+            shown += isControl && !ends ? "\\x" + byte.toHex() : byte;
+        }
+        return shown;
+    }
     void print(char level, const QByteArray& line)
     {
         const int room = level == 'V' ? 8191 : 8191 - 25; // the prefix takes its share of the line
-        const QString text = QString::fromUtf8(line.left(room));
+        const QString text = QString::fromUtf8(withoutControls(line.left(room)));
         log << (level == 'V' ? text : QLatin1Char(level) + QStringLiteral(" ") + text);
     }
 
