@@ -71,8 +71,8 @@ QStringList wayTo(const QString& mode)
     if (waysTo.contains(mode) || listed == modes.end())
         return waysTo.value(mode);
     const int turns = listed->menuEntry - modes[QStringLiteral("IRMain")].menuEntry;
-    return waysTo[QStringLiteral("menu")] << QStringLiteral("enc %1").arg(turns)
-                                          << QStringLiteral("key select");
+    return waysTo.value(QStringLiteral("menu"))
+        + QStringList{QStringLiteral("enc %1").arg(turns), QStringLiteral("key select")};
 }
 
 std::unique_ptr<ToldPanel> panelIn(const QString& mode)
