@@ -1,5 +1,5 @@
 #include "link/packet.h"
-#include "tests/tags/mediabuilder.h"
+#include "tests/tags/jpegbuilder.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -126,6 +126,23 @@ QByteArray gif()
     return "GIF89a" + bytesOf("\1\0\1\0\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
 }
 
+/** A BMP whose first row is the upper one. */
+QByteArray bmpFromTheTop()
+{
+    constexpr int heightAt = 22;
+    return smallImage("BMP").replace(heightAt, 4, littleEndian(quint32(-8)));
+}
+
+/** Pictures that claim far more than they hold, which is to be found out before they are decoded. */
+QList<QByteArray> costlyImages()
+{
+    using namespace JpegBuilder;
+    const Bytes remarks = segment(Remark, "a: b").repeated(3) + segment(Exif, "camera");
+    return {jpeg(Progressive, {64, 40}, "\x22\x11\x11", 5),
+            jpeg(Progressive, {5790, 5790}, "\x11\x11\x11\x11", 3), jpeg(Progressive, {64, 40}, "\x11", 300),
+            jpeg(Baseline, {64, 40}, "\x41\x12\x11", 1, remarks), jpeg(Arithmetic, {64, 40}, "\x11")};
+}
+
 QList<QByteArray> images()
 {
     return {smallImage("PNG"),
@@ -134,7 +151,8 @@ QList<QByteArray> images()
             smallImage("XPM"),
             smallImage("PPM"),
             pngWithTexts(),
-            gif()};
+            gif(),
+            bmpFromTheTop()};
 }
 
 void id3Seeds()
@@ -151,6 +169,9 @@ void id3Seeds()
     mp3(id3v2(frameClaiming("TIT2", 0xFFFFFFFF, "\2x")));
     for (const QByteArray& image : images())
         mp3(id3v2(pictureFrame("image/png", image) + texts));
+    for (const QByteArray& image : costlyImages())
+        mp3(id3v2(pictureFrame("image/jpeg", image)));
+    mp3(id3v2Claiming(0x0FFFFFFF, frameClaiming("TIT2", 0x7FFFFFFF, pictureFrame("image/png", "x"))));
     mp3(id3v2(pictureFrame("image/jpeg", smallImage("JPEG"))));
     mp3(id3v2(pictureFrame("image/jpg", smallImage("JPEG"), "front")));
 }
@@ -169,6 +190,10 @@ void flacSeeds()
     for (const QByteArray& image : images())
         flac(flacBlock(Picture, flacPicture("image/png", image, "front"))
              + flacBlock(Comment, comments, true));
+    for (const QByteArray& image : costlyImages())
+        flac(flacBlock(Picture, flacPicture("image/jpeg", image), true));
+    flac(flacBlock(Padding, "1").repeated(300) + flacBlock(Comment, comments, true));
+    flac(flacBlock(Comment, vorbisClaiming("v", 100, {}) + QByteArray(400, '\0'), true));
     seed("flac", QStringLiteral("stream-only"), flacStart(true));
     seed("flac", QStringLiteral("short-first-block"),
          "fLaC" + flacBlock(StreamInfo, "1") + flacBlock(Comment, comments, true));
@@ -187,6 +212,8 @@ void oggSeeds()
     ogg(start + oggPage({audio.left(30), oggComment(comments), audio.left(255)}, true) + oggPage({audio}));
     ogg((oggHeader(lacing({1, 40, 300})) + '.').repeated(6) + oggHeader(lacing({0})) + oggComment(comments));
     ogg(start + oggPage({oggComment(vorbisClaiming("v", 99, {"TITLE=y"}))}) + oggPage({audio}));
+    ogg(oggPage({"."}).repeated(60) + oggPage({oggComment(comments)}));
+    ogg((oggHeader(lacing({1, 1})) + '.').repeated(60));
     ogg(start.left(60));
 }
 

@@ -92,12 +92,14 @@ QSize reducedSize(QSize size)
     return {reduced(size.width()), reduced(size.height())};
 }
 
-Decoding affordableJpeg(QImage::Format format, const QByteArray& file, qint64 heldBytes)
+/** The markers are read before the toolkit reads them: it may take minutes over a million remarks. */
+Decoding affordableJpeg(const QImageReader& reader, const QByteArray& file, qint64 heldBytes)
 {
     constexpr qint64 coefficientBytes = 64 * sizeof(qint16);
     const auto frame = jpegFrame(file);
     if (!frame || frame->pixels.isEmpty() || !isReadable(*frame, file.size()))
         return Decoding::None;
+    const QImage::Format format = reader.imageFormat();
     const qint64 beside = heldBytes + frame->noteBytes * noteCopies
         + (frame->holdsCoefficients ? frame->blocks * coefficientBytes : 0);
     const auto fitsAt = [&](QSize size) { return fits(area(size), beside + pixelBytes(format, area(size))); };
@@ -129,11 +131,11 @@ Decoding affordableDecoding(const QImageReader& reader, const QByteArray& imageF
     const Format* format = formatOf(reader.format());
     if (!format || imageFile.size() > format->fileBytes)
         return Decoding::None;
+    if (reader.format() == "jpeg")
+        return affordableJpeg(reader, imageFile, heldBytes);
     const QSize size = decodedSize(reader, imageFile);
     if (!size.isValid())
         return Decoding::None; // the pixel format of a damaged header may be anything
-    if (reader.format() == "jpeg")
-        return affordableJpeg(reader.imageFormat(), imageFile, heldBytes);
     const qint64 pixels = area(size);
     const qint64 bytes =
         format->bytesPerPixel ? pixels * format->bytesPerPixel : pixelBytes(reader.imageFormat(), pixels);

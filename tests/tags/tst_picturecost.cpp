@@ -114,6 +114,8 @@ private slots:
             << jpeg(Progressive, {600, 600}, "\x11", 2) + QByteArray(limits::jpegScansBytes, '\0');
         QTest::newRow("one remark too many")
             << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "a: b").repeated(limits::jpegNotes + 1));
+        QTest::newRow("more remarks than the toolkit goes through in a minute")
+            << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "").repeated(1000 * 1000));
         QTest::newRow("GIF of 16 megapixels") << gif(4096, 4096);
         QTest::newRow("XPM of many bytes")
             << saved(QImage(60, 60, QImage::Format_RGB32), "XPM") + QByteArray(limits::textPictureBytes, ' ');
