@@ -48,3 +48,4 @@ void addOggRows(Bench& bench);
 void addListRows(Bench& bench);
 void addFlowRows(Bench& bench);
 void addIdleRows(Bench& bench);
+void addBoundsRows(Bench& bench);

@@ -22,10 +22,10 @@ struct Group {
 };
 
 constexpr Group groups[] = {
-    {"start", addStartRows}, {"link", addLinkRows},   {"server", addPanelServerRows},
-    {"junk", addJunkRows},   {"meter", addMeterRows}, {"tags", addTagRows},
-    {"ogg", addOggRows},     {"lists", addListRows},  {"flow", addFlowRows},
-    {"idle", addIdleRows},
+    {"start", addStartRows}, {"link", addLinkRows},     {"server", addPanelServerRows},
+    {"junk", addJunkRows},   {"meter", addMeterRows},   {"tags", addTagRows},
+    {"ogg", addOggRows},     {"lists", addListRows},    {"flow", addFlowRows},
+    {"idle", addIdleRows},   {"bounds", addBoundsRows},
 };
 
 /** The panel's port is fixed, and half of the rows need it. */
