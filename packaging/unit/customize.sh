@@ -53,6 +53,7 @@ done
 systemctl --root="$root" --quiet enable unit-network.service desk-link.service vireo-network-restart.path
 systemctl --root="$root" --quiet set-default multi-user.target
 # The list of fonts holds as long as their folders keep their time, which an archive has in whole seconds.
-find "$root/usr/share/fonts" -type d -exec touch -d @1700000000 {} +
+mkdir -p "$root/usr/local/share/fonts"
+find "$root/usr/share/fonts" "$root/usr/local/share/fonts" -type d -exec touch -d @1700000000 {} +
 chroot "$root" fc-cache -s
 rm -rf "$root"/var/lib/apt/lists/* "$root"/var/cache/apt/* "$root"/var/log/* "$root"/boot/*
