@@ -35,7 +35,7 @@ def pulled_while_playing(unit):
     """The track on the stick shows its tags and cover; without the stick the panel goes on."""
     before = process(unit)
     plug_in(unit)
-    wanted = picture.read_png(os.path.join(unit.bench.source, "tests/pictures/expected/player-playing.png"))
+    wanted = picture.read_png(os.path.join(unit.bench.source, "tests/pictures/expected/unifont-15.0.01/player-playing.png"))
     unit.told("device aoe", "device usb", "disk-state normal", "disk 4 2", "mode all", f"file {MOUNT}/morning-corridor.mp3",
               "time 0:00:07", "level 200")
     wait_for(lambda: unit.picture() == wanted, 20 * unit.bench.patience, "the track does not show")
