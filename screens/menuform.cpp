@@ -69,8 +69,7 @@ void MenuForm::next_action()
 void MenuForm::select_action()
 {
     DPRINTF(0, "%s", Q_FUNC_INFO);
-    const int chosen = std::clamp(ui->wgFlow->GetFocusIndex(), int(MENUIDX_USB), int(MENUIDX_Setup));
-    choose(chosen);
+    choose(std::clamp(ui->wgFlow->GetFocusIndex(), 0, int(std::size(entries)) - 1));
 }
 
 void MenuForm::esc_action()
