@@ -70,9 +70,14 @@ QStringList wayTo(const QString& mode)
                                      [&](const auto& each) { return modeName(quint8(each.code)) == mode; });
     if (waysTo.contains(mode) || listed == modes.end())
         return waysTo.value(mode);
-    const int turns = listed->menuEntry - modes[QStringLiteral("IRMain")].menuEntry;
-    return waysTo.value(QStringLiteral("menu"))
-        + QStringList{QStringLiteral("enc %1").arg(turns), QStringLiteral("key select")};
+    // A turn under way goes no further than two entries: farther ones are reached in steps.
+    constexpr int farthest = 2;
+    QStringList way = waysTo.value(QStringLiteral("menu"));
+    int turns = listed->menuEntry - modes[QStringLiteral("IRMain")].menuEntry;
+    for (; turns > farthest; turns -= farthest)
+        way << QStringLiteral("enc %1").arg(farthest) << QStringLiteral("key select")
+            << QStringLiteral("key long-select");
+    return way << QStringLiteral("enc %1").arg(turns) << QStringLiteral("key select");
 }
 
 std::unique_ptr<ToldPanel> panelIn(const QString& mode)
