@@ -39,6 +39,7 @@ private slots:
         row("", "send script");
         row("sc", "script");
         row("--h", "--host --help");
+        row("--p", "--port --panel-place");
         row("--port 5001 se", "send");
         row("--port ", "");
         row("send up", "upgrade upgrade-message");
