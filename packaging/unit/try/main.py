@@ -1,12 +1,10 @@
 """Tries the unit and prints a table: main.py ARCH SOURCE [quick] [ROW...]. Status 1 when a row failed."""
 
 import os
-import random
 import sys
 import time
 
 import network
-import power
 import screens
 import service
 import stick
@@ -34,8 +32,6 @@ ROWS = (
     ("display loaded late", screens.late_display, False),
     ("journeys and network restart inside", service.tests, False),
 )
-POWER = "plug pulled while files are written"
-TIMES = int(os.environ.get("PULLS", "50"))
 
 
 class Table:
@@ -70,10 +66,6 @@ def main(arch, source, *words):
             service.ready(unit)
             for name, check, _ in rows:
                 table.row(name, check, unit)
-    if wanted(POWER, only) and "quick" not in words:
-        seed = random.randrange(1 << 32)
-        random.seed(seed)
-        table.row(f"{POWER}", power.rounds, bench, TIMES, lambda text: print(f"\r{text}", end="\r", file=sys.stderr))
     return table.failed and 1
 
 
