@@ -8,6 +8,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <optional>
+
 class FrontPanel;
 class LinkBar;
 class MusicPanel;
