@@ -5,7 +5,7 @@ import subprocess
 
 from service import answers, process
 from unit import require, wait_for
-import picture
+import tour
 
 MOUNT = "/srv/stick"
 
