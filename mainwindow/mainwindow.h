@@ -139,18 +139,19 @@ private:
     void writeGatheredOpermode();
     void tellServiceManager() const;
 
+    // Kind and order of the members are fixed; those that are reserved keep their place without a duty.
     Ui::MainWindow* ui;
     tcp_server* m_server = nullptr;
     PAparser* m_parser = nullptr;
-    QQueue<QByteArray> m_sparePackets; // nothing uses it
+    QQueue<QByteArray> m_sparePackets; // reserved
     QByteArray m_received;
-    QByteArray m_spareBytes; // nothing uses it
-    QMP3Parser* m_mp3Parser = nullptr; // nothing uses it
+    QByteArray m_spareBytes; // reserved
+    QMP3Parser* m_mp3Parser = nullptr; // reserved
     QTagParser* m_tagParser = nullptr;
     QStateMachine* m_machine = nullptr;
     std::array<QAbstractState*, modeStates> m_states = {};
-    QString m_irTitle; // nothing reads it
-    QString m_irUrl; // nothing reads it
+    QString m_irTitle; // reserved
+    QString m_irUrl; // reserved
     ModeCode m_mode = ModeCode::None;
 
     /** The connections of the encoder and the keys to the screen that shows; they live as long as its mode.

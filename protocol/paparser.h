@@ -139,7 +139,7 @@ private:
         {Command::AoeStat, &PAparser::parseAOE_STAT},
     };
 
-    QByteArray m_spare; // nothing uses it
+    QByteArray m_spare; // reserved: the order of the members is fixed
     QByteArray m_lastPacket;
     quint8 m_lastLevel = 0;
     quint8 m_levelBefore = 0;
