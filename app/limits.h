@@ -14,8 +14,8 @@ constexpr int logLineBytes = 8192;
 
 // configuration files
 
-/** thousands of stations fit in here; of open tags the reader keeps a hundred times their size */
-constexpr int configFileBytes = 512 * 1024;
+/** ten thousand stations fit in here; of open tags the reader keeps some seventy times their size */
+constexpr int configFileBytes = 1024 * 1024;
 
 /** a tag longer than this ends its file; bytes, or units of 16 bits where the file is not UTF-8 */
 constexpr int xmlTagUnits = 64 * 1024;

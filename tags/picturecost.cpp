@@ -70,7 +70,7 @@ bool fits(qint64 pixels, qint64 bytes)
 qint64 pixelBytes(QImage::Format format, qint64 pixels)
 {
     constexpr int unknownBits = 32;
-    const bool isKnown = format != QImage::Format_Invalid;
+    const bool isKnown = format > QImage::Format_Invalid && format < QImage::NImageFormats;
     return pixels * (isKnown ? QImage::toPixelFormat(format).bitsPerPixel() : unknownBits) / 8;
 }
 
@@ -99,6 +99,8 @@ Decoding affordableJpeg(const QImageReader& reader, const QByteArray& file, qint
     const auto frame = jpegFrame(file);
     if (!frame || frame->pixels.isEmpty() || !isReadable(*frame, file.size()))
         return Decoding::None;
+    if (!reader.size().isValid())
+        return Decoding::None; // the pixel format of a damaged header may be anything
     const QImage::Format format = reader.imageFormat();
     const qint64 beside = heldBytes + frame->noteBytes * noteCopies
         + (frame->holdsCoefficients ? frame->blocks * coefficientBytes : 0);
