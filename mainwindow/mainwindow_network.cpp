@@ -5,6 +5,8 @@
 #include "mainwindow/mainwindow.h"
 #include "ui_mainwindow.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -41,6 +43,9 @@ void MainWindow::LoadingModeEntered()
     DPRINTF(0, "%s", Q_FUNC_INFO);
     ui->wg_Setting->StopTimer();
     dropInput();
+    // Slow displays have not shown the notice to wait by now: a frame buffer takes it in a turn of its own.
+    ui->wg_Setting->repaint();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
     restartNetwork();
     LoadingModeExited();
 }

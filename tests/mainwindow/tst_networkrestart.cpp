@@ -4,6 +4,20 @@
 
 #include <optional>
 
+namespace {
+
+class PaintCounter : public QObject {
+public:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
+    int count = 0;
+};
+
+} // namespace
+
 class NetworkRestartTest : public QObject {
     Q_OBJECT
 
@@ -48,6 +62,18 @@ private slots:
         log.clear();
         panel.emitParser("sgKEY_ESC()");
         QCOMPARE(log.plain(), strings({"void SetupForm::esc_action()"}));
+    }
+
+    /** Nothing is painted during the wait, so what is to show then must be painted before. */
+    void pageIsPaintedBeforeTheWait()
+    {
+        Panel panel;
+        panel.emitParser("sgDEVICE_Set_Enter()");
+        QCoreApplication::processEvents();
+        PaintCounter paints;
+        panel.widget("wg_Setting")->installEventFilter(&paints);
+        Panel::emitOf(panel.widget("wg_Setting"), "sgLoadingMode()");
+        QVERIFY(paints.count > 0);
     }
 };
 
