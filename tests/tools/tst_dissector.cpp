@@ -5,6 +5,8 @@
 
 #include <QProcess>
 
+#include <unistd.h>
+
 namespace {
 
 const QString demo = QStringLiteral(VIREO_SOURCE_DIR "/tools/demo-unit/");
@@ -25,6 +27,22 @@ QString output(const QString& program, const QStringList& arguments)
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
+/** tshark as an ordinary user, also for root: for root it loads no script from Debian 13 on. */
+QString tshark(const QStringList& arguments)
+{
+    if (geteuid() != 0)
+        return output(QStringLiteral("tshark"), arguments);
+    const QStringList nobody{QStringLiteral("--reuid=nobody"), QStringLiteral("--regid=nogroup"),
+                             QStringLiteral("--clear-groups"), QStringLiteral("--reset-env"),
+                             QStringLiteral("tshark")};
+    return output(QStringLiteral("setpriv"), nobody + arguments);
+}
+
+void letAllRead(const QString& path)
+{
+    QFile::setPermissions(path, QFile::permissions(path) | QFile::ReadOther | QFile::ExeOther);
+}
+
 /** A capture of the chunks in that order, as the dissector shows it: words, junk and missing bytes of each.
  */
 QList<QStringList> dissected(const QList<Chunk>& chunks)
@@ -32,6 +50,7 @@ QList<QStringList> dissected(const QList<Chunk>& chunks)
     UnitRoot folder;
     const QString text = folder.path(QStringLiteral("/chunks.txt"));
     const QString capture = folder.path(QStringLiteral("/chunks.pcap"));
+    const QString script = folder.path(QStringLiteral("/vireo.lua"));
     QByteArray dump;
     for (const Chunk& chunk : chunks)
         dump += (chunk.fromPanel ? "O\n0000 " : "I\n0000 ") + chunk.bytes.toHex(' ') + '\n';
@@ -39,17 +58,20 @@ QList<QStringList> dissected(const QList<Chunk>& chunks)
     output(QStringLiteral("text2pcap"),
            {QStringLiteral("-q"), QStringLiteral("-D"), QStringLiteral("-T"),
             QStringLiteral("40000,%1").arg(linkPort), text, capture});
+    UnitRoot::write(script, UnitRoot::read(QStringLiteral(VIREO_SOURCE_DIR "/tools/vireo.lua")));
+    for (const QString& path : {folder.path(QString()), capture, script})
+        letAllRead(path);
     QStringList arguments{QStringLiteral("-n"),
                           QStringLiteral("-r"),
                           capture,
                           QStringLiteral("-X"),
-                          QStringLiteral("lua_script:" VIREO_SOURCE_DIR "/tools/vireo.lua"),
+                          QStringLiteral("lua_script:") + script,
                           QStringLiteral("-T"),
                           QStringLiteral("fields")};
     for (const char* field : {"vireo.words", "vireo.junk", "vireo.missing"})
         arguments << QStringLiteral("-e") << QString::fromLatin1(field);
     QList<QStringList> rows;
-    for (const QString& line : output(QStringLiteral("tshark"), arguments).split(QLatin1Char('\n')))
+    for (const QString& line : tshark(arguments).split(QLatin1Char('\n')))
         rows << line.split(QLatin1Char('\t'));
     return rows.mid(0, chunks.size());
 }
