@@ -29,9 +29,9 @@ void end(std::unique_ptr<QProcess> program)
     program->kill();
     if (program->state() == QProcess::NotRunning || program->waitForFinished(limits::killedMs))
         return;
-    QObject::connect(program.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
-                     program.get(), &QObject::deleteLater);
-    program.release();
+    QProcess* const left = program.release();
+    QObject::connect(left, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), left,
+                     &QObject::deleteLater);
 }
 
 } // namespace
