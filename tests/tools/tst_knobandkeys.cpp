@@ -4,6 +4,25 @@
 using WindowHand::fire;
 using WindowHand::wheel;
 
+namespace {
+
+/** Lets the time pass in which a new press would take the key's release back. */
+void settle(QWidget* control)
+{
+    fire(control->findChild<QTimer*>(QStringLiteral("settle")));
+}
+
+/** As the toolkit delivers a key that repeats, with its marks of repetition or without. */
+void repeatKey(const QWidget& window, int key, int modifier, bool marked)
+{
+    for (int i = 0; i < 30; ++i)
+        for (const QTest::KeyAction action : {QTest::Release, QTest::Press})
+            QTest::simulateEvent(window.focusWidget(), action == QTest::Press, key,
+                                 Qt::KeyboardModifiers(modifier), QString(), marked);
+}
+
+} // namespace
+
 class KnobAndKeysTest : public QObject {
     Q_OBJECT
 
@@ -97,6 +116,7 @@ private slots:
         QTest::mouseClick(knob, Qt::LeftButton);
         QVERIFY(stage.hears("key select"));
         QTest::keyClick(knob, Qt::Key_Return);
+        settle(knob);
         QVERIFY(stage.hears("key select"));
         QTest::mousePress(knob, Qt::LeftButton);
         fire(knob->findChild<QTimer*>(QStringLiteral("hold")));
@@ -106,6 +126,7 @@ private slots:
         QTest::keyPress(knob, Qt::Key_Space);
         fire(knob->findChild<QTimer*>(QStringLiteral("hold")));
         QTest::keyRelease(knob, Qt::Key_Space);
+        settle(knob);
         QVERIFY(stage.hears("key long-select"));
     }
 
@@ -145,45 +166,79 @@ private slots:
         QTest::mouseRelease(button, Qt::LeftButton);
         QVERIFY(stage.hears(QStringList()));
         QTest::keyClick(button, Qt::Key_Space);
+        settle(button);
         QVERIFY(stage.hears(pressed));
     }
 
-    void heldKeyIsOneLongPress_data()
+    void heldKeyIsOnePress_data()
     {
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("word");
         QTest::addColumn<int>("key");
         QTest::addColumn<int>("modifier");
-        QTest::newRow("space bar") << int(Qt::Key_Space) << int(Qt::NoModifier);
-        QTest::newRow("Alt and its letter") << int(Qt::Key_M) << int(Qt::AltModifier);
+        QTest::addColumn<bool>("marked");
+        for (const bool marked : {true, false}) {
+            const QByteArray how = marked ? ", repetitions marked" : ", repetitions not marked";
+            QTest::newRow("space bar" + how) << "mode"
+                                             << "mode" << int(Qt::Key_Space) << int(Qt::NoModifier) << marked;
+            QTest::newRow("Alt and its letter" + how)
+                << "mode"
+                << "mode" << int(Qt::Key_M) << int(Qt::AltModifier) << marked;
+            QTest::newRow("encoder" + how)
+                << "encoder"
+                << "select" << int(Qt::Key_Return) << int(Qt::NoModifier) << marked;
+        }
     }
-    void heldKeyIsOneLongPress()
+    void heldKeyIsOnePress()
     {
+        QFETCH(QString, control);
+        QFETCH(QString, word);
         QFETCH(int, key);
         QFETCH(int, modifier);
+        QFETCH(bool, marked);
         Stage stage;
         QVERIFY(stage.isUp());
         QVERIFY(QTest::qWaitForWindowActive(&stage.window));
-        auto* button = stage.child<KeyButton>("mode");
+        auto* held = stage.child<QWidget>(qPrintable(control));
+        auto* hold = held->findChild<QTimer*>(QStringLiteral("hold"));
+        auto* release = held->findChild<QTimer*>(QStringLiteral("settle"));
         if (modifier == int(Qt::NoModifier))
-            button->setFocus();
-        const auto repeat = [&](QTest::KeyAction action) {
-            QTest::simulateEvent(stage.window.focusWidget(), action == QTest::Press, key,
-                                 Qt::KeyboardModifiers(modifier), QString(), true);
+            held->setFocus();
+        const auto press = [&] {
+            QTest::keyPress(stage.window.focusWidget(), Qt::Key(key), Qt::KeyboardModifiers(modifier));
         };
-        QTest::keyPress(stage.window.focusWidget(), Qt::Key(key), Qt::KeyboardModifiers(modifier));
-        QVERIFY(button->hasFocus());
-        for (int i = 0; i < 30; ++i) {
-            repeat(QTest::Release);
-            repeat(QTest::Press);
-        }
-        QVERIFY(stage.hears(QStringList()));
-        fire(button->findChild<QTimer*>(QStringLiteral("hold")));
-        for (int i = 0; i < 30; ++i) {
-            repeat(QTest::Release);
-            repeat(QTest::Press);
-        }
-        QTest::keyRelease(button, Qt::Key(key)); // Alt may be up before the letter
-        QVERIFY(stage.hears("key long-mode"));
+        press();
+        QVERIFY(held->hasFocus());
+        repeatKey(stage.window, key, modifier, marked);
+        QVERIFY(!release->isActive()); // the last press took its release back
+        fire(hold);
+        repeatKey(stage.window, key, modifier, marked);
+        QVERIFY(!hold->isActive());
+        QTest::keyRelease(held, Qt::Key(key)); // Alt may be up before the letter
+        settle(held);
+        QVERIFY(stage.hears({QStringLiteral("key long-") + word}));
+
+        press();
+        repeatKey(stage.window, key, modifier, marked);
+        QTest::keyRelease(held, Qt::Key(key));
+        settle(held);
+        QVERIFY(!hold->isActive());
+        QVERIFY(stage.hears({QStringLiteral("key ") + word}));
+    }
+
+    void escapeGivesThePressUp()
+    {
+        Stage stage;
+        QVERIFY(stage.isUp());
+        auto* button = stage.child<KeyButton>("mode");
+        button->setFocus();
+        QTest::keyPress(button, Qt::Key_Space);
+        QVERIFY(button->isDown());
+        QTest::keyClick(button, Qt::Key_Escape);
         QVERIFY(!button->isDown());
+        QTest::keyRelease(button, Qt::Key_Space);
+        settle(button);
+        QVERIFY(stage.hears(QStringList()));
     }
 
     void altAndItsLetterIsAShortPress()
@@ -194,6 +249,7 @@ private slots:
         QTest::keyPress(stage.knob(), Qt::Key_T, Qt::AltModifier);
         QVERIFY(stage.hears(QStringList())); // nothing before the release
         QTest::keyRelease(stage.window.focusWidget(), Qt::Key_T, Qt::AltModifier);
+        settle(stage.child<KeyButton>("stop"));
         QVERIFY(stage.hears("key stop"));
         QTest::keyPress(stage.knob(), Qt::Key_T, Qt::AltModifier);
         stage.knob()->setFocus(); // given up in between

@@ -52,6 +52,7 @@ double turnBetween(double from, double to)
 EncoderKnob::EncoderKnob(QWidget* parent)
     : QWidget(parent)
     , m_press(this)
+    , m_held(this)
 {
     setObjectName(QStringLiteral("encoder"));
     setAccessibleName(tr("Encoder"));
@@ -60,6 +61,7 @@ EncoderKnob::EncoderKnob(QWidget* parent)
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
+    connect(&m_held, &HeldKey::letGo, this, [this] { pressEnd(true); });
     connect(&m_press, &LongPress::pressedShort, this, &EncoderKnob::pressedShort);
     connect(&m_press, &LongPress::pressedLong, this, &EncoderKnob::pressedLong);
 }
@@ -78,6 +80,14 @@ void EncoderKnob::pressDown()
     m_down = true;
     m_press.press();
     update();
+}
+
+void EncoderKnob::pressByKey(int key)
+{
+    if (m_held.goesOn(key))
+        return;
+    m_held.press(key);
+    pressDown();
 }
 
 void EncoderKnob::pressEnd(bool counts)
@@ -138,17 +148,15 @@ void EncoderKnob::keyPressEvent(QKeyEvent* event)
     const int steps = stepsOf(event->key());
     if (steps != 0)
         turn(steps);
-    else if (isPressKey(event->key()) && !event->isAutoRepeat())
-        pressDown();
     else if (!isPressKey(event->key()))
         QWidget::keyPressEvent(event);
+    else if (!event->isAutoRepeat() || m_held.isHeld())
+        pressByKey(event->key());
 }
 
 void EncoderKnob::keyReleaseEvent(QKeyEvent* event)
 {
-    if (isPressKey(event->key()) && !event->isAutoRepeat())
-        pressEnd(true);
-    else
+    if (!m_held.release(*event))
         QWidget::keyReleaseEvent(event);
 }
 
@@ -161,6 +169,7 @@ void EncoderKnob::focusInEvent(QFocusEvent* event)
 void EncoderKnob::focusOutEvent(QFocusEvent* event)
 {
     QWidget::focusOutEvent(event);
+    m_held.drop();
     pressEnd(false);
     update();
 }

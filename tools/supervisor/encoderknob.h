@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/supervisor/heldkey.h"
 #include "tools/supervisor/longpress.h"
 
 #include <QWidget>
@@ -41,6 +42,7 @@ protected:
 private:
     void turn(int steps);
     void pressDown();
+    void pressByKey(int key);
     void pressEnd(bool counts);
     double angleOf(const QPoint& position) const;
     QRectF face() const;
@@ -49,6 +51,7 @@ private:
     void paintCap(QPainter& painter, double radius) const;
 
     LongPress m_press;
+    HeldKey m_held;
     int m_step = 0; // the detent that the mark stands on
     int m_wheel = 0; // eighths of a degree not yet turned
     double m_dragAngle = 0; // degrees, where the last step of a drag was made

@@ -24,6 +24,7 @@ KeyButton::KeyButton(const QString& key, const QString& caption, QWidget* parent
     : QPushButton(caption, parent)
     , m_key(key)
     , m_press(this)
+    , m_held(this)
 {
     setObjectName(key);
     setToolTip(tr("Hold for a long press"));
@@ -31,6 +32,7 @@ KeyButton::KeyButton(const QString& key, const QString& caption, QWidget* parent
     connect(this, &QPushButton::pressed, &m_press, &LongPress::press);
     connect(this, &QPushButton::released, &m_press, &LongPress::letGo);
     connect(this, &QPushButton::clicked, &m_press, &LongPress::finish);
+    connect(&m_held, &HeldKey::letGo, this, &KeyButton::endKey);
     connect(&m_press, &LongPress::pressedShort, this, [this] { say(false); });
     connect(&m_press, &LongPress::pressedLong, this, [this] { say(true); });
 }
@@ -47,7 +49,7 @@ bool KeyButton::event(QEvent* event)
 {
     if (event->type() != QEvent::Shortcut)
         return QPushButton::event(event);
-    if (!isDown())
+    if (!m_held.goesOn(letterOf(text())) && !isDown())
         pressByLetter();
     return true;
 }
@@ -55,45 +57,43 @@ bool KeyButton::event(QEvent* event)
 void KeyButton::pressByLetter()
 {
     setFocus(Qt::ShortcutFocusReason); // its release comes to whom has the focus
-    m_byLetter = true;
+    m_held.press(letterOf(text()));
     setDown(true);
     m_press.press();
 }
 
-void KeyButton::endLetter(bool counts)
+/** What is up already was given up, or ended by the mouse. */
+void KeyButton::endKey()
 {
-    if (!m_byLetter)
+    if (!isDown())
         return;
-    m_byLetter = false;
     setDown(false);
-    if (counts)
-        m_press.finish();
-    else
-        m_press.letGo();
-}
-
-bool KeyButton::isHeldLetter(const QKeyEvent& event) const
-{
-    return m_byLetter && event.key() == letterOf(text());
+    m_press.finish();
 }
 
 void KeyButton::keyPressEvent(QKeyEvent* event)
 {
-    if (!isHeldLetter(*event))
-        QPushButton::keyPressEvent(event);
+    if (m_held.goesOn(event->key()))
+        return;
+    const bool wasDown = isDown();
+    QPushButton::keyPressEvent(event);
+    if (isDown() && !wasDown)
+        m_held.press(event->key());
 }
 
 void KeyButton::keyReleaseEvent(QKeyEvent* event)
 {
-    if (!isHeldLetter(*event))
+    if (!m_held.release(*event))
         QPushButton::keyReleaseEvent(event);
-    else if (!event->isAutoRepeat())
-        endLetter(true);
 }
 
 void KeyButton::focusOutEvent(QFocusEvent* event)
 {
-    endLetter(false);
+    if (m_held.isHeld()) {
+        m_held.drop();
+        m_press.letGo();
+        setDown(false);
+    }
     QPushButton::focusOutEvent(event);
 }
 

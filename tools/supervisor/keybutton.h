@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/supervisor/heldkey.h"
 #include "tools/supervisor/longpress.h"
 
 #include <QPushButton>
@@ -30,14 +31,13 @@ protected:
 
 private:
     void pressByLetter();
-    void endLetter(bool counts);
-    bool isHeldLetter(const QKeyEvent& event) const;
+    void endKey();
     void say(bool isLong);
     void paintCap(QPainter& painter) const;
     void paintFace(QPainter& painter) const;
 
     QString m_key;
     LongPress m_press;
-    bool m_byLetter = false; // Alt and the letter hold it down
+    HeldKey m_held;
     bool m_wasLong = false; // the press that lasts has been a long one
 };
