@@ -136,7 +136,7 @@ QStringList takeOptions(const QStringList& arguments, CommandLine& into)
     for (const Option& option : options) {
         const QString name = QString::fromLatin1(option.name);
         if (into.error.isEmpty() && parser.isSet(name))
-            into.error = option.take(parser.value(name), into);
+            into.error = option.take(*option.argument ? parser.value(name) : QString(), into);
     }
     return parser.positionalArguments();
 }
