@@ -48,7 +48,8 @@ void Look::dress(QApplication& application)
     for (const QPalette::ColorRole text : texts)
         palette.setColor(QPalette::Disabled, text, QColor(faint));
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    application.setPalette(palette);
+    Q_UNUSED(application) // there must be one
+    QApplication::setPalette(palette);
 }
 
 void Look::paintFocus(QPainter& painter, const QRectF& around, double radius)
