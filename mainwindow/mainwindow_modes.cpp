@@ -121,7 +121,7 @@ constexpr std::size_t chosenModes()
 {
     std::size_t count = 0;
     for (const ModeRow& row : rows)
-        count += row.chosen ? 1 : 0;
+        count += row.menuEntry == noMenuEntry ? 0 : 1;
     return count;
 }
 static_assert(chosenModes() == std::size(sources), "every entry of the menu has its transitions");
