@@ -14,7 +14,7 @@ struct OtherCaller {
     {
         const int before = panel.connections;
         m_socket.connectToHost(QHostAddress(QHostAddress::LocalHost), panel.port());
-        if (!QTest::qWaitFor([&] { return panel.connections == before + 1; }))
+        if (!QTest::qWaitFor([&] { return panel.connections == before + 1; }, 30000))
             qFatal("the panel does not accept");
     }
     ~OtherCaller()

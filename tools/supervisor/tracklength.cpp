@@ -7,7 +7,7 @@
 namespace {
 
 constexpr double longestMs = 24 * 3600 * 1000.0;
-constexpr int patienceMs = 2000; // a damaged file must not hold the window for long
+constexpr int patienceMs = 5000; // a damaged file must not hold the window for long
 
 } // namespace
 
