@@ -54,9 +54,17 @@ struct Desk {
         if (!managed)
             return;
         manager = std::make_unique<Program>(QStringLiteral("openbox"), QStringList(), environment);
-        if (!QTest::qWaitFor([this] { return !hand({QStringLiteral("get_num_desktops")}).isEmpty(); },
-                             patienceMs))
+        if (!QTest::qWaitFor([this] { return managerListens(); }, patienceMs))
             qFatal("the window manager does not start");
+    }
+
+    /** Whether the window manager does as it is told. Before that it lets events lie that came while it
+     * started, a window's wish to be shown among them, until another one comes. */
+    bool managerListens() const
+    {
+        const QString desktops = QStringLiteral("2");
+        hand({QStringLiteral("set_num_desktops"), desktops});
+        return hand({QStringLiteral("get_num_desktops")}) == desktops;
     }
 
     /** Runs a program on the display to its end; its output. */
