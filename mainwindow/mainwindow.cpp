@@ -58,9 +58,8 @@ void MainWindow::createParsers()
 void MainWindow::hideAllButLogo()
 {
     setOverlayVisible(false);
-    for (const ModeRow& row : modeRows())
-        if (row.screen)
-            row.screen(*ui)->hide();
+    for (const ModeState mode : modesWithScreens())
+        modeRow(mode).screen(*ui)->hide();
 }
 
 void MainWindow::connectLink()

@@ -126,6 +126,18 @@ constexpr std::size_t chosenModes()
 }
 static_assert(chosenModes() == std::size(sources), "every entry of the menu has its transitions");
 
+constexpr ModeState withScreens[] = {S::AOEMode,  S::NetBGMMode, S::IRMain, S::IRList,
+                                     S::MenuMode, S::SetMode,    S::USBMode};
+
+constexpr std::size_t screens()
+{
+    std::size_t count = 0;
+    for (const ModeRow& row : rows)
+        count += row.screen ? 1 : 0;
+    return count;
+}
+static_assert(screens() == std::size(withScreens), "every screen is hidden at start");
+
 } // namespace
 
 ModeRows modeRows()
@@ -139,16 +151,24 @@ const ModeRow& modeRow(ModeState state)
                          [state](const ModeRow& row) { return row.state == state; });
 }
 
+QList<ModeState> modesWithScreens()
+{
+    return QList<ModeState>(std::begin(withScreens), std::end(withScreens));
+}
+
 QList<ModeState> sourceModes()
 {
     return QList<ModeState>(std::begin(sources), std::end(sources));
 }
 
-/** What every mode with a screen begins with: its code, its word, its screen. */
+/** What every mode with a screen begins with: its code, its word, its screen. Audio over Ethernet shows its
+ * screen before its word is written. */
 void MainWindow::enter(ModeState mode)
 {
     const ModeRow& row = modeRow(mode);
     m_mode = row.code;
+    if (mode == ModeState::AOEMode)
+        row.screen(*ui)->show();
     if (row.word)
         XmlWriteOpermode(QString::fromLatin1(row.word));
     row.screen(*ui)->show();

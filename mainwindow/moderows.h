@@ -43,5 +43,8 @@ struct ModeRows {
 ModeRows modeRows();
 const ModeRow& modeRow(ModeState state);
 
+/** The modes that have a screen, in the order in which these are hidden at start. */
+QList<ModeState> modesWithScreens();
+
 /** The modes that a source or the menu leads to, in the order of their transitions. */
 QList<ModeState> sourceModes();

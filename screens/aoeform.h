@@ -43,4 +43,5 @@ private:
     std::unique_ptr<Ui::AOEForm> ui;
     QString m_ipAddress;
     QString m_sampleRate;
+    [[maybe_unused]] int m_spare = 0; // reserved: the kind of the members is fixed
 };

@@ -2,6 +2,7 @@
 
 #include "tags/taginfomation.h"
 
+#include <QPalette>
 #include <QPixmap>
 #include <QWidget>
 
@@ -64,7 +65,10 @@ private:
     void AlbumArtImgOn(bool on);
     QPixmap CreateShadowImg(QPixmap pixmap);
 
+    // Kind and order of the members are fixed; those that are reserved keep their place without a duty.
     std::unique_ptr<Ui::mp3_lcd> ui;
+    QPixmap m_sparePixmap; // reserved
+    QPalette m_palette; // reserved
     QString m_title;
     QString m_artist;
     QString m_album;

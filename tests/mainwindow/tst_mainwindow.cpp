@@ -6,6 +6,30 @@
 
 #include <optional>
 
+namespace {
+
+/** The names of what the program tells to hide or, with the other event, to show, in that order. */
+class EventOrder : public QObject {
+public:
+    explicit EventOrder(QEvent::Type type)
+        : m_type(type)
+    {
+        qApp->installEventFilter(this);
+    }
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() == m_type)
+            names << object->objectName();
+        return false;
+    }
+    QStringList names;
+
+private:
+    QEvent::Type m_type;
+};
+
+} // namespace
+
 class MainWindowTest : public QObject {
     Q_OBJECT
 
@@ -28,6 +52,27 @@ private slots:
                         ->findChild<QWidget*>(QString::fromLatin1(overlay), Qt::FindDirectChildrenOnly)
                         ->isHidden());
         QVERIFY(panel.unit.readConf(QStringLiteral("oper_mode.xml")).isEmpty());
+    }
+
+    void hidesOverlayAndScreensInTheirOrder()
+    {
+        const QStringList order = {
+            QStringLiteral("lbl_background_alpha"),
+            QStringLiteral("lb_sysup"),
+            QStringLiteral("lb_sysup_bot"),
+            QStringLiteral("lb_sysup_msg"),
+            QStringLiteral("wg_AOE"),
+            QStringLiteral("wg_NetBGM"),
+            QStringLiteral("wg_IR"),
+            QStringLiteral("wg_IRList"),
+            QStringLiteral("wg_Menu"),
+            QStringLiteral("wg_Setting"),
+            QStringLiteral("wg_USB"),
+        };
+        const UnitRoot unit;
+        const EventOrder hidden(QEvent::HideToParent);
+        const MainWindow window;
+        QCOMPARE(hidden.names.mid(hidden.names.size() - order.size()), order);
     }
 
     void layout_data()

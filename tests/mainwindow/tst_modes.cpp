@@ -20,6 +20,26 @@ QStringList screensOf(const QString& mode)
     return listing().modes().value(mode).screen.split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
+/** What the operating-mode file held when a screen came to show. */
+class FileAtShow : public QObject {
+public:
+    FileAtShow(QWidget* screen, const UnitRoot& unit)
+        : m_unit(unit)
+    {
+        screen->installEventFilter(this);
+    }
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Show)
+            content = m_unit.readConf(QStringLiteral("oper_mode.xml"));
+        return false;
+    }
+    QByteArray content;
+
+private:
+    const UnitRoot& m_unit;
+};
+
 /** Where an event leads as the listing has it; escape leads from the menu to where it was opened, the select
  * key to the entry in the middle: audio over Ethernet, from which the menu was opened. */
 QString reaction(const QString& mode, const QString& event)
@@ -185,6 +205,25 @@ private slots:
         QCOMPARE(panel.unit.readConf(QStringLiteral("oper_mode.xml")), before);
         panel.emitParser("sgKEY_ESC()");
         QCOMPARE(panel.unit.readConf(QStringLiteral("oper_mode.xml")), content.isEmpty() ? before : content);
+    }
+
+    void operatingModeIsWrittenBeforeTheScreenShows_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("USB") << "USBMode" << operMode("usb");
+        QTest::newRow("AOE shows first") << "AOEMode" << QByteArray();
+        QTest::newRow("radio") << "IRMain" << operMode("radio");
+    }
+    void operatingModeIsWrittenBeforeTheScreenShows()
+    {
+        QFETCH(QString, mode);
+        QFETCH(QByteArray, content);
+        Panel panel;
+        const FileAtShow file(panel.widget(screensOf(mode).first().toLatin1().constData()), panel.unit);
+        panel.bringTo(mode);
+        QCOMPARE(panel.screens(), screensOf(mode));
+        QCOMPARE(file.content, content);
     }
 
     void stationListLeavesTheOperatingModeAndReturningWritesIt()
