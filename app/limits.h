@@ -60,6 +60,9 @@ constexpr int aliveMs = 1000;
 /** a piece that shows holds some tens; only of characters without width are there so many to measure */
 constexpr int pieceCharacters = 4096;
 
+/** of a text on a label: a label is at most 320 pixels wide, but a centred text shows its middle */
+constexpr int labelCharacters = 2048;
+
 // the link
 
 /** kept unread of a replaced connection before its peer is held up, and unsent before it is closed */

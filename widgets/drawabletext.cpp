@@ -16,9 +16,9 @@ bool isBox(QChar c)
 
 } // namespace
 
-QString drawableText(const QString& text, int width)
+QString drawableText(const QString& text, int most)
 {
-    QString drawn = text.left(width);
+    QString drawn = text.left(most);
     drawn.truncate(int(std::remove_if(drawn.begin(), drawn.end(), isBox) - drawn.begin()));
     return drawn;
 }

@@ -1,5 +1,6 @@
 #include "widgets/plainlabel.h"
 
+#include "app/limits.h"
 #include "widgets/drawabletext.h"
 
 #include <QPainter>
@@ -17,7 +18,7 @@ PlainLabel::PlainLabel(QWidget* parent)
 void PlainLabel::paintEvent(QPaintEvent*)
 {
     const QRect box = contentsRect();
-    const QString drawn = drawableText(text(), box.width());
+    const QString drawn = drawableText(text(), limits::labelCharacters);
     const bool rightToLeft = drawn.isRightToLeft();
     const Qt::Alignment place =
         QStyle::visualAlignment(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight, placeOf(drawn, alignment()));

@@ -1,3 +1,4 @@
+#include "app/limits.h"
 #include "screens/panelfont.h"
 #include "tests/support/panelmain.h"
 #include "widgets/drawabletext.h"
@@ -68,7 +69,7 @@ private slots:
         QTest::newRow("joiners stay") << QStringLiteral("a\u200Db\u00AD") << QStringLiteral("a\u200Db\u00AD");
         QTest::newRow("surrogate halves stay") << QString(QChar(0xD800)) << QString(QChar(0xD800));
         QTest::newRow("nothing left") << QString(zero) << QString();
-        QTest::newRow("a character a pixel")
+        QTest::newRow("no more than asked for")
             << QString(12, QLatin1Char('i')) << QString(10, QLatin1Char('i'));
     }
     void drawable()
@@ -89,6 +90,8 @@ private slots:
         QTest::newRow("a letter too wide") << letters + QLatin1Char('v');
         QTest::newRow("a blank too wide") << QStringLiteral("FILES:abcdefghi 123456");
         QTest::newRow("much too wide") << letters.repeated(5);
+        QTest::newRow("far too wide")
+            << letters.repeated(20) + QStringLiteral("VWXYZ") + letters.repeated(23);
         QTest::newRow("Korean") << QStringLiteral("종이등불과 바닷가의 노래 모음");
         QTest::newRow("composed Korean") << QStringLiteral("\u1100\u1161\u11A8\u1102\u1161").repeated(8);
         QTest::newRow("written from the right") << QStringLiteral("שלום (a)");
@@ -151,7 +154,7 @@ private slots:
         QVERIFY(picture(text) != picture(QString()));
     }
 
-    void noMoreIsLaidOutThanTheBoxCanHold()
+    void aTextOfAnyLengthIsLaidOutInBounds()
     {
         const QString text = QString(0xFFFF, QLatin1Char('x'));
         RecordingStyle style;
@@ -160,7 +163,7 @@ private slots:
         label.resize(box);
         label.setText(text);
         label.grab();
-        QCOMPARE(style.drawn, QStringList(text.left(box.width())));
+        QCOMPARE(style.drawn, QStringList(text.left(limits::labelCharacters)));
         QCOMPARE(label.text(), text);
     }
 
