@@ -337,7 +337,8 @@ private slots:
     void foldersAreReadInOrder()
     {
         QTemporaryDir dir;
-        for (const char* name : {"b.mp3", "A.FLAC", "notes.txt", "x/c.ogg", "cover.jpg", "x/y/d.Mp3"})
+        for (const char* name : {"b.mp3", "A.FLAC", "notes.txt", "x/c.ogg", "cover.jpg", "x/y/d.Mp3",
+                                 ".hidden.mp3", ".hidden/e.mp3"})
             UnitRoot::write(dir.filePath(QString::fromLatin1(name)), "x");
         QStringList names;
         for (const QString& path : musicBelow(dir.path()))

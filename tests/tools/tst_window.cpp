@@ -1,6 +1,7 @@
 #include "tests/support/panelmain.h"
 #include "tests/tools/stage.h"
 #include "tests/tools/supervisorrun.h"
+#include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/commandline.h"
 #include "tools/supervisor/lampswitch.h"
 
@@ -11,6 +12,10 @@
 #include <QPlainTextEdit>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <fstream>
 
 class WindowTest : public QObject {
     Q_OBJECT
@@ -175,6 +180,22 @@ private slots:
         QCOMPARE(stage.child<QListWidget>("tracks")->count(), 4);
     }
 
+    void namesThatAreNotUtf8ArePlayedAsTheirBytes()
+    {
+        const QTemporaryDir dir;
+        const QByteArray folder = QFile::encodeName(dir.path()) + "/caf\xE9";
+        const QByteArray file = folder + "/\xEC\x9D\xB4 \xFF.mp3";
+        QVERIFY(std::filesystem::create_directory(folder.toStdString()));
+        QVERIFY(std::ofstream(file.toStdString()).good());
+        Stage stage;
+        stage.window.openMusic(textOf(folder));
+        QVERIFY(stage.isUp());
+        QVERIFY(stage.hears({QStringLiteral("device usb"), QStringLiteral("disk-state normal"),
+                             QStringLiteral("disk 1 1"), QStringLiteral("mode all")}));
+        stage.child<KeyButton>("play-pause")->click();
+        QTRY_VERIFY(stage.panel.packets.contains(packetOf(Command::Filename, file)));
+    }
+
     void folderWithoutMusicIsNoDisk()
     {
         Stage stage;
@@ -184,7 +205,8 @@ private slots:
         QTest::keyClick(folder, Qt::Key_Return);
         QVERIFY(stage.hears(QStringList()));
         QVERIFY(stage.child<QPlainTextEdit>("log")->toPlainText().contains(
-            QLatin1String("no music below \"/no/such/folder\"")));
+            QLatin1String("# no music below \"/no/such/folder\"")));
+        QCOMPARE(stage.text("remark"), QStringLiteral("no music below \"/no/such/folder\""));
     }
 
     void notices_data()
@@ -221,6 +243,21 @@ private slots:
         QVERIFY(stage.hears(QStringList()));
         QVERIFY(stage.child<QPlainTextEdit>("log")->toPlainText().endsWith(
             QLatin1String("# upgrade-message: the text is empty")));
+    }
+
+    void titleThatIsCutSaysSo()
+    {
+        Stage stage;
+        QVERIFY(stage.isUp());
+        auto* remark = stage.child<QLabel>("remark");
+        QVERIFY(!remark->isVisible());
+        stage.child<QLineEdit>("title")->setText(QString(300, QLatin1Char('t')));
+        stage.child<QPushButton>("announce")->click();
+        QCOMPARE(remark->text(), QStringLiteral("station: the title was cut to 255 bytes"));
+        QVERIFY(remark->isVisible());
+        QVERIFY(stage.log().endsWith(QLatin1String("# station: the title was cut to 255 bytes")));
+        stage.child<QPushButton>("aoe ok")->click();
+        QVERIFY(!remark->isVisible());
     }
 
     void streamsHaveALevelWhileTheirSourceIsOn()

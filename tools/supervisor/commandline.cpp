@@ -6,7 +6,6 @@
 #include "tools/supervisor/words.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
 
 #include <cstdio>
 
@@ -46,8 +45,8 @@ QString takeTimeout(const QString& value, CommandLine& into)
 QString takeMusic(const QString& value, CommandLine& into)
 {
     into.music = value;
-    const bool found = QFileInfo(value).isDir() && !musicBelow(value).isEmpty();
-    return found ? QString() : QStringLiteral("--music: no music below \"%1\"").arg(value);
+    return musicBelow(value).isEmpty() ? QStringLiteral("--music: no music below \"%1\"").arg(value)
+                                       : QString();
 }
 
 QString takePlace(const QString& value, CommandLine& into)

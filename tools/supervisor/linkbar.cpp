@@ -2,7 +2,7 @@
 
 #include "tools/supervisor/look.h"
 
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
@@ -14,30 +14,46 @@ constexpr int margin = 6;
 /** In the order of LinkBar::State. */
 constexpr QRgb colours[] = {Look::lit, Look::warning, Look::warning, Look::failure};
 
+QLabel* label(const char* name, const QString& accessibleName, QRgb colour)
+{
+    auto* result = new QLabel;
+    result->setObjectName(QString::fromLatin1(name));
+    result->setAccessibleName(accessibleName);
+    result->setTextFormat(Qt::PlainText);
+    QPalette palette = result->palette();
+    palette.setColor(QPalette::WindowText, QColor(colour));
+    result->setPalette(palette);
+    return result;
+}
+
+/** Takes the width that is left, in as many lines as that needs. */
+void wrap(QLabel* label)
+{
+    label->setWordWrap(true);
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+}
+
 } // namespace
 
 LinkBar::LinkBar(QWidget* parent)
     : QWidget(parent)
 {
-    m_link = new QLabel;
-    m_link->setObjectName(QStringLiteral("link"));
-    m_link->setAccessibleName(tr("Link to the panel"));
-    m_link->setWordWrap(true);
-    m_link->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_mode = new QLabel;
-    m_mode->setObjectName(QStringLiteral("mode"));
-    m_mode->setAccessibleName(tr("The panel's mode"));
-    QPalette bright = m_mode->palette();
-    bright.setColor(QPalette::WindowText, QColor(Look::lit));
-    m_mode->setPalette(bright);
+    m_link = label("link", tr("Link to the panel"), Look::quiet);
+    wrap(m_link);
+    m_mode = label("mode", tr("The panel's mode"), Look::lit);
+    m_remark = label("remark", tr("What could not be done"), Look::warning);
+    wrap(m_remark);
+    m_remark->hide();
     auto* connectButton = new QPushButton(tr("Connect no&w"));
     connectButton->setObjectName(QStringLiteral("connect"));
     connect(connectButton, &QPushButton::clicked, this, &LinkBar::connectWanted);
-    auto* layout = new QHBoxLayout(this);
+    auto* layout = new QGridLayout(this);
     layout->setContentsMargins(lampSide() + 2 * margin, margin / 2, margin, margin / 2);
-    layout->addWidget(m_link, 1);
-    layout->addWidget(m_mode);
-    layout->addWidget(connectButton);
+    layout->setColumnStretch(0, 1);
+    layout->addWidget(m_remark, 0, 0, 1, -1);
+    layout->addWidget(m_link, 1, 0);
+    layout->addWidget(m_mode, 1, 1);
+    layout->addWidget(connectButton, 1, 2);
 }
 
 void LinkBar::showLink(State state, const QString& text)
@@ -52,6 +68,12 @@ void LinkBar::showMode(const QString& mode)
     m_mode->setText(mode.isEmpty() ? QString() : tr("Mode: %1").arg(mode));
 }
 
+void LinkBar::showRemark(const QString& text)
+{
+    m_remark->setText(text);
+    m_remark->setVisible(!text.isEmpty());
+}
+
 int LinkBar::lampSide() const
 {
     return fontMetrics().height();
@@ -62,6 +84,6 @@ void LinkBar::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const int side = lampSide();
-    Look::paintLamp(painter, QRectF(margin, (height() - side) / 2.0, side, side), colours[int(m_state)],
-                    true);
+    const double middle = QRectF(m_link->geometry()).center().y();
+    Look::paintLamp(painter, QRectF(margin, middle - side / 2.0, side, side), colours[int(m_state)], true);
 }

@@ -4,7 +4,10 @@
 
 class QLabel;
 
-/** The foot of the window: whether the panel listens, in which mode it is, and a button to connect. */
+/**
+ * The foot of the window: whether the panel listens, in which mode it is, a button to connect, and above them
+ * what could not be done as it was wanted.
+ */
 class LinkBar : public QWidget {
     Q_OBJECT
 
@@ -16,6 +19,8 @@ public:
     void showLink(State state, const QString& text);
     /** Empty: the mode is not known. */
     void showMode(const QString& mode);
+    /** Empty: all was done. */
+    void showRemark(const QString& text);
 
 signals:
     void connectWanted();
@@ -29,4 +34,5 @@ private:
     State m_state = State::Waiting;
     QLabel* m_link = nullptr;
     QLabel* m_mode = nullptr;
+    QLabel* m_remark = nullptr;
 };

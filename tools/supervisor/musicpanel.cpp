@@ -133,7 +133,7 @@ void MusicPanel::choose()
 void MusicPanel::open(const QString& folder)
 {
     m_folder->setText(folder);
-    const QStringList tracks = QFileInfo(folder).isDir() ? musicBelow(folder) : QStringList();
+    const QStringList tracks = musicBelow(folder);
     if (tracks.isEmpty()) {
         emit failed(tr("no music below \"%1\"").arg(folder));
         return;

@@ -130,7 +130,7 @@ QTabWidget* SupervisorWindow::createTabs()
     tabs->setElideMode(Qt::ElideRight);
     connect(m_music, &MusicPanel::inserted, &m_unit, &UnitModel::insertDisk);
     connect(m_music, &MusicPanel::removed, &m_unit, &UnitModel::removeDisk);
-    connect(m_music, &MusicPanel::failed, this, &SupervisorWindow::note);
+    connect(m_music, &MusicPanel::failed, this, &SupervisorWindow::warn);
     connect(m_radio, &RadioPanel::announced, &m_unit, &UnitModel::playStation);
     connect(aoe, &AoePanel::said, &m_unit,
             [this](const QStringList& words) { m_unit.reportAoe(words.last()); });
@@ -190,18 +190,22 @@ void SupervisorWindow::say(const QStringList& words)
     const bool sent = parsed.ok() && m_link.send(parsed.action.packet, m_by);
     if (isRunningValue(words))
         return;
-    if (sent) {
-        note(joinLine(words));
-        m_link.askMode();
-    } else {
-        note(QStringLiteral("# ")
-             + (parsed.ok() ? tr("no link, not sent: %1").arg(joinLine(words)) : parsed.error));
+    if (!sent) {
+        warn(parsed.ok() ? tr("no link, not sent: %1").arg(joinLine(words)) : parsed.error);
+        return;
     }
+    note(joinLine(words));
+    if (!parsed.remark.isEmpty())
+        warn(parsed.remark);
+    else if (m_by == PanelLink::By::User)
+        m_bar->showRemark({});
+    m_link.askMode();
 }
 
 /** A panel that has just been started, or restarted, knows nothing of the unit yet. */
 void SupervisorWindow::announceUnit()
 {
+    m_bar->showRemark({});
     m_unit.announce();
     m_link.askMode();
 }
@@ -272,4 +276,10 @@ void SupervisorWindow::showTakenBack()
 void SupervisorWindow::note(const QString& text)
 {
     m_log->appendPlainText(text);
+}
+
+void SupervisorWindow::warn(const QString& text)
+{
+    note(QStringLiteral("# ") + text);
+    m_bar->showRemark(text);
 }

@@ -57,6 +57,7 @@ private:
     void showReplaced(bool surely);
     void showTakenBack();
     void note(const QString& text);
+    void warn(const QString& text);
 
     PanelLink m_link;
     PanelLink::By m_by = PanelLink::By::User; // whose words are said now
