@@ -13,9 +13,10 @@
 namespace {
 
 constexpr char errorPriority = '3';
+constexpr char informationPriority = '6';
 
 /** One priority a level of DPRINTF: debug, debug, info, warning, error. */
-constexpr char levelPriorities[] = {'7', '7', '6', '4', errorPriority};
+constexpr char levelPriorities[] = {'7', '7', informationPriority, '4', errorPriority};
 static_assert(std::size(levelPriorities) == 5, "one row a level");
 
 struct TypePriority {
@@ -23,13 +24,17 @@ struct TypePriority {
     char priority;
 };
 constexpr TypePriority typePriorities[] = {
-    {QtDebugMsg, '7'}, {QtInfoMsg, '6'}, {QtWarningMsg, '4'}, {QtCriticalMsg, errorPriority},
+    {QtDebugMsg, '7'}, {QtInfoMsg, informationPriority}, {QtWarningMsg, '4'}, {QtCriticalMsg, errorPriority},
     {QtFatalMsg, '2'},
 };
 static_assert(std::size(typePriorities) == 5, "one row a type of the toolkit's messages");
 
+bool informing = false;
+
 char priorityOf(QtMsgType type)
 {
+    if (informing)
+        return informationPriority;
     const int level = printedLevel();
     if (level >= 0 && level < int(std::size(levelPriorities)))
         return levelPriorities[level];
@@ -59,6 +64,16 @@ void speakToJournal()
         return;
     printWithoutColours();
     qInstallMessageHandler(print);
+}
+
+JournalInformation::JournalInformation()
+{
+    informing = true;
+}
+
+JournalInformation::~JournalInformation()
+{
+    informing = false;
 }
 
 void noteInJournal(const QByteArray& text, bool notable)

@@ -8,6 +8,15 @@
  */
 void speakToJournal();
 
+/** While one lives, every line is information to the journal, whatever its level. */
+class JournalInformation {
+public:
+    JournalInformation();
+    ~JournalInformation();
+    JournalInformation(const JournalInformation&) = delete;
+    JournalInformation& operator=(const JournalInformation&) = delete;
+};
+
 /**
  * A line for operators that only the journal gets: who came, who had to go. The log elsewhere says what it
  * always said, line by line. `notable` ones are warnings there.

@@ -41,8 +41,10 @@ void printBanner()
                        << " ";
 }
 
+/** One line a level that is printed; what stands at the level of errors is none. */
 void announceThreshold()
 {
+    const JournalInformation noError;
     DPRINTF(4, "Will be print 'ERROR MSG'");
     DPRINTF(3, "Will be print 'WARNING MSG'");
     DPRINTF(2, "Will be print 'INFO MSG'");

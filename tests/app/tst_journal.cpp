@@ -54,6 +54,23 @@ private slots:
                             "<3>[ ERROR@vireo ] <7>forged\\x0a<7>line\n"));
     }
 
+    void whatTellsOfErrorsIsNone()
+    {
+        QByteArray printed;
+        {
+            const StandardError error(true);
+            speakToJournal();
+            {
+                const JournalInformation information;
+                DPRINTF(4, "text");
+                qCritical("toolkit");
+            }
+            DPRINTF(4, "text");
+            printed = error.text();
+        }
+        QCOMPARE(printed, QByteArray("<6>[ ERROR@vireo ] text\n<6>toolkit\n<3>[ ERROR@vireo ] text\n"));
+    }
+
     void aStreamThatCannotBeIsNone_data()
     {
         QTest::addColumn<QByteArray>("name");

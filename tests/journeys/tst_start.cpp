@@ -33,6 +33,14 @@ QString descriptorOf(qint64 process, int number)
     return QFile::symLinkTarget(QStringLiteral("/proc/%1/fd/%2").arg(process).arg(number));
 }
 
+/** What the service manager calls a file that stands in for the journal. */
+QString nameAsStream(const QTemporaryFile& file)
+{
+    struct stat status = {};
+    ::fstat(file.handle(), &status);
+    return QStringLiteral("%1:%2").arg(qulonglong(status.st_dev)).arg(qulonglong(status.st_ino));
+}
+
 } // namespace
 
 /** How the real program starts, or ends before it does. */
@@ -116,12 +124,8 @@ private slots:
         const UnitRoot unit;
         QTemporaryFile journal;
         QVERIFY(journal.open());
-        struct stat status = {};
-        QCOMPARE(::fstat(journal.handle(), &status), 0);
-        const QByteArray stream = QByteArray::number(qulonglong(status.st_dev)) + ':'
-            + QByteArray::number(qulonglong(status.st_ino));
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("JOURNAL_STREAM"), QString::fromLatin1(stream));
+        environment.insert(QStringLiteral("JOURNAL_STREAM"), nameAsStream(journal));
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nosuch"));
         QProcess process;
         process.setProcessEnvironment(environment);
@@ -131,6 +135,22 @@ private slots:
         const QByteArray ended = UnitRoot::read(journal.fileName());
         QVERIFY2(ended.startsWith("<3>vireo: no display: "), ended.constData());
         QCOMPARE(ended.count('\n'), 1);
+    }
+
+    void inTheJournalTheAnnouncementOfErrorsIsNone()
+    {
+        const UnitRoot unit;
+        QTemporaryFile journal;
+        QVERIFY(journal.open());
+        PanelProcess panel({QStringLiteral("-c"), QStringLiteral("JOURNAL_STREAM=$1 exec \"$0\" 2 2>>\"$2\""),
+                            QStringLiteral(VIREO_PROGRAM), nameAsStream(journal), journal.fileName()},
+                           QStringLiteral("/bin/sh"));
+        QVERIFY(panel.connectSupervisor());
+        QCOMPARE(panel.mode(), 255);
+        const QByteArray log = UnitRoot::read(journal.fileName());
+        for (const char* line :
+             {"<6>[ ERROR@vireo ] Will be print 'ERROR MSG'\n", "<6>[ INFO @vireo ] Tcp server On\n"})
+            QVERIFY2(log.contains(line), line);
     }
 };
 
