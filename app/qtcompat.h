@@ -6,9 +6,12 @@
  */
 
 #include <QFontDatabase>
+#include <QRunnable>
 #include <QStringList>
 #include <QTextCodec>
 #include <QtGlobal>
+
+#include <functional>
 
 namespace QtCompat {
 
@@ -21,5 +24,25 @@ inline QStringList koreanFontFamilies()
     return QFontDatabase().families(QFontDatabase::Korean);
 #endif
 }
+
+/** What the toolkit hands to its pool of threads when it paints, and how that is done. */
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+using PoolWork = QRunnable*;
+
+inline void run(QRunnable* work)
+{
+    const bool isOwned = work->autoDelete();
+    work->run();
+    if (isOwned)
+        delete work;
+}
+#else
+using PoolWork = std::function<void()>;
+
+inline void run(const PoolWork& work)
+{
+    work();
+}
+#endif
 
 } // namespace QtCompat

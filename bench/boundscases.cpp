@@ -3,7 +3,7 @@
 std::vector<BoundsCase> boundsCases()
 {
     std::vector<BoundsCase> cases;
-    for (const auto& group : {mediaBoundsCases()})
+    for (const auto& group : {mediaBoundsCases(), configBoundsCases(), linkBoundsCases()})
         cases.insert(cases.end(), group.begin(), group.end());
     return cases;
 }

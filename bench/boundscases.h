@@ -3,16 +3,21 @@
 #include <QByteArray>
 #include <QDir>
 
+#include <ctime>
 #include <vector>
 
 /** Something that the panel may be told and that used to hold it up or fill its memory. */
 struct BoundsCase {
     const char* name;
-    /** Makes the files it takes in an empty folder and gives what then comes over the link. */
-    QByteArray (*prepare)(const QDir& folder);
+    /** Makes the files it takes in the root of a unit and gives what then comes over the link. */
+    QByteArray (*prepare)(const QDir& unit);
+    /** What counts: the panel's own work or, where that waits for others, the time. */
+    clockid_t clock = CLOCK_PROCESS_CPUTIME_ID;
 };
 
 std::vector<BoundsCase> mediaBoundsCases();
+std::vector<BoundsCase> configBoundsCases();
+std::vector<BoundsCase> linkBoundsCases();
 
 /** All of them, in the order of the table. */
 std::vector<BoundsCase> boundsCases();

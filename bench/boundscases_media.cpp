@@ -19,11 +19,8 @@ constexpr quint32 largestTag = (1U << 28) - 1;
 /** Shows the player's screen, then names the file. */
 QByteArray named(const QDir& folder, const char* name)
 {
-    const QByteArray path = QFile::encodeName(folder.filePath(QLatin1String(name)));
-    const auto packet = [](Command command, const QByteArray& data) {
-        return packetOf(quint16(command), quint16(data.size()), data);
-    };
-    return packet(Command::Device, "\1") + packet(Command::Filename, path);
+    return packetOf(Command::Device, wire::Source::FrontUsb)
+        + packetOf(Command::Filename, QFile::encodeName(folder.filePath(QLatin1String(name))));
 }
 
 QByteArray written(const QDir& folder, const char* name, const QByteArray& bytes)

@@ -1,6 +1,7 @@
 #include "tests/journeys/panelprocess.h"
 #include "tests/support/panelmain.h"
 #include "tests/support/unitroot.h"
+#include "tests/tags/jpegbuilder.h"
 
 #include <atomic>
 #include <thread>
@@ -17,6 +18,12 @@ QString pluginFolder()
         return QDir(path).exists(QStringLiteral("platforms"));
     };
     return *std::find_if(paths.begin(), paths.end(), hasPlatforms);
+}
+
+int threadsOf(const PanelProcess& panel)
+{
+    const QDir tasks(QStringLiteral("/proc/%1/task").arg(panel.processId()));
+    return int(tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
 }
 
 /** Sets a variable of the environment while it lives. */
@@ -102,6 +109,24 @@ private slots:
         QVERIFY(panel.lines().join(QLatin1Char('\n')).contains(QStringLiteral("[ Small Hours ]")));
         QVERIFY(!panel.lines().join(QLatin1Char('\n')).contains(QStringLiteral("Album Art Image OK")));
         QVERIFY(livesThroughAWalk(panel));
+    }
+
+    /** Where the unit has no room for one, who counts on it waits for ever. */
+    void noThreadIsStarted()
+    {
+        using namespace JpegBuilder;
+        const UnitRoot unit;
+        const QString cover = unit.path(QStringLiteral("/cover.flac"));
+        UnitRoot::write(
+            cover,
+            flacStart()
+                + flacBlock(Picture, flacPicture("image/jpeg", jpeg(Baseline, {5000, 5000}, "\x11")), true));
+        PanelProcess panel({QStringLiteral("4")});
+        QVERIFY(panel.connectSupervisor());
+        panel.send(Command::Filename, QFile::encodeName(cover));
+        QVERIFY(livesThroughAWalk(panel));
+        QVERIFY2(panel.mode() >= 0, "and has painted what the walk ended with");
+        QCOMPARE(threadsOf(panel), 1);
     }
 
     void configurationIsNoFolder()
