@@ -18,10 +18,12 @@ struct Effort {
     int mostStations = 10000;
     int mostTextBytes = 1000000;
     int mostJunkBytes = 1000000;
+    int networkRestarts = 4; ///< half a minute each
+    bool isQuick = false;
 
     static Effort quick()
     {
-        return {1, 0.001, 3, 50, 1000, 3, 1000, 300, 4 * 1024 * 1024, 1000, 10000, 100000};
+        return {1, 0.001, 3, 50, 1000, 3, 1000, 300, 4 * 1024 * 1024, 1000, 10000, 100000, 0, true};
     }
 };
 
@@ -49,3 +51,4 @@ void addListRows(Bench& bench);
 void addFlowRows(Bench& bench);
 void addIdleRows(Bench& bench);
 void addBoundsRows(Bench& bench);
+void addWaitRow(Bench& bench); ///< of the group above

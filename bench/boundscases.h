@@ -13,6 +13,10 @@ struct BoundsCase {
     QByteArray (*prepare)(const QDir& unit);
     /** What counts: the panel's own work or, where that waits for others, the time. */
     clockid_t clock = CLOCK_PROCESS_CPUTIME_ID;
+    /** Milliseconds within which what stands behind it is to be answered; 0 where that is not asked. */
+    double answeredWithin = 0;
+    /** Takes many turns of the event loop; a quick run leaves it out. */
+    bool isLong = false;
 };
 
 std::vector<BoundsCase> mediaBoundsCases();
