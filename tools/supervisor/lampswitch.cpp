@@ -14,7 +14,7 @@ LampSwitch::LampSwitch(const QString& caption, QWidget* parent)
     : QCheckBox(caption, parent)
 {
     setAttribute(Qt::WA_Hover);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
 }
 
 int LampSwitch::lampSide() const

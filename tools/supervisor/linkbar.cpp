@@ -46,6 +46,7 @@ LinkBar::LinkBar(QWidget* parent)
     m_remark->hide();
     auto* connectButton = new QPushButton(tr("Connect no&w"));
     connectButton->setObjectName(QStringLiteral("connect"));
+    connectButton->setMinimumWidth(connectButton->sizeHint().width() + 2 * margin);
     connect(connectButton, &QPushButton::clicked, this, &LinkBar::connectWanted);
     auto* layout = new QGridLayout(this);
     layout->setContentsMargins(lampSide() + 2 * margin, margin / 2, margin, margin / 2);

@@ -108,7 +108,7 @@ QWidget* SupervisorWindow::createUnit()
     m_front = new FrontPanel;
     auto* unit = new QWidget;
     auto* layout = new QVBoxLayout(unit);
-    layout->setContentsMargins(margin, margin, margin, 0);
+    layout->setContentsMargins(margin, margin, margin, margin / 2);
     layout->addWidget(m_front);
     layout->addWidget(createTabs(), 1);
     return unit;
@@ -126,6 +126,7 @@ QTabWidget* SupervisorWindow::createTabs()
     tabs->addTab(scrolled(aoe), tr("Et&h"));
     tabs->addTab(scrolled(system), tr("S&ystem"));
     tabs->addTab(createLog(), tr("Sent"));
+    tabs->setDocumentMode(true); // no frame: it would have no bottom
     tabs->setUsesScrollButtons(false);
     tabs->setElideMode(Qt::ElideRight);
     connect(m_music, &MusicPanel::inserted, &m_unit, &UnitModel::insertDisk);
