@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QDir>
 
-#include <ctime>
 #include <vector>
 
 /** Something that the panel may be told and that used to hold it up or fill its memory. */
@@ -11,8 +10,6 @@ struct BoundsCase {
     const char* name;
     /** Makes the files it takes in the root of a unit and gives what then comes over the link. */
     QByteArray (*prepare)(const QDir& unit);
-    /** What counts: the panel's own work or, where that waits for others, the time. */
-    clockid_t clock = CLOCK_PROCESS_CPUTIME_ID;
     /** Milliseconds within which what stands behind it is to be answered; 0 where that is not asked. */
     double answeredWithin = 0;
     /** Takes many turns of the event loop; a quick run leaves it out. */

@@ -19,6 +19,7 @@ namespace {
 constexpr double watchdogMilliseconds = 90000; // as the service sets it
 constexpr int pollMilliseconds = 10;
 constexpr int restartDelayMilliseconds = 100;
+constexpr int menuTurnMilliseconds = 2000;
 
 void writeHanging(const QString& path)
 {
@@ -26,15 +27,29 @@ void writeHanging(const QString& path)
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
-/** Goes to the setup screen and switches DHCP so many times, all in one write. */
+/** Switches DHCP so many times, all in one write. */
 QByteArray toggles(int count)
 {
     const QByteArray select = packetOf(Command::Key, wire::Key::Select);
-    QByteArray all =
-        packetOf(Command::Key, wire::held(wire::Key::Select)) + packetOf(Command::Encoder, 4) + select;
+    QByteArray all;
     for (int i = 0; i < count; ++i)
         all += select + packetOf(Command::Encoder, i % 2 == 0 ? -1 : 1) + select;
     return all;
+}
+
+/** By the menu, which takes a key for the entry in front: the one that it has turned to. */
+void goToSetup(QTcpSocket& panel)
+{
+    panel.write(packetOf(Command::Device, wire::Source::Radio)
+                + packetOf(Command::Key, wire::held(wire::Key::Select)) + packetOf(Command::Encoder, 2));
+    panel.waitForBytesWritten();
+    QThread::msleep(menuTurnMilliseconds);
+    panel.write(packetOf(Command::Key, wire::Key::Select) + modeRequest());
+    QByteArray answer;
+    while (answer.size() < modeAnswerBytes && panel.waitForReadyRead())
+        answer += panel.readAll();
+    if (!answer.endsWith(char(ModeCode::Setup)))
+        qFatal("the setup screen does not show");
 }
 
 /** The longest time without a word to the service manager, in milliseconds, until the next answer. */
@@ -59,6 +74,8 @@ double silenceDuring(const QByteArray& bytes, const NotifySocket& manager)
     do
         panel.connectToHost(QHostAddress::LocalHost, tcp_server::port);
     while (!panel.waitForConnected());
+    goToSetup(panel);
+    manager.received();
     panel.write(bytes);
     const double inBurst = silenceUntilAnswer(manager, panel);
     QThread::msleep(2 * restartDelayMilliseconds);

@@ -74,6 +74,15 @@ void packetSeeds()
         streamSeed(QStringLiteral("file-") + QLatin1String(file), packetOf(Command::Filename, file));
 }
 
+/** Of every script, and unassigned ones, as UTF-8. */
+QByteArray anyCharacters(int count)
+{
+    QString text;
+    for (int i = 0; i < count; ++i)
+        text += QChar(ushort(1 + i * 40503));
+    return text.toUtf8();
+}
+
 void sessionSeeds()
 {
     const QByteArray radio = packetOf(Command::Device, wire::Source::Radio) + pause(5);
@@ -92,6 +101,15 @@ void sessionSeeds()
             + packetOf(Command::AoeStat, wire::AoeState::RateTooHigh),
         menuTo(4) + key(Key::Select) + toYes + key(Key::Select) + pause(40)
             + packetOf(Command::MenuDhcp, wire::DhcpState::Completed) + pause(255),
+        menuTo(4)
+            + (key(Key::Select) + packetOf(Command::Encoder, -1) + key(Key::Select) + key(Key::Select)
+               + packetOf(Command::Encoder, 1) + key(Key::Select))
+                  .repeated(2)
+            + pause(255),
+        packetOf(Command::Device, 0x19).repeated(100),
+        radio + packetOf(Command::IRStation, anyCharacters(4000)),
+        packetOf(Command::UpgradeInfo, wire::UpgradeState::Started)
+            + packetOf(Command::UpgradeMsg, anyCharacters(4000)),
         packetOf(Command::Reserved9, "x") + packetOf(Command::UrlText, "url"),
         bytesOf("\5\0\1\0") + pause(0) + "\2" + bytesOf("\xFF\5\0\3\0\x88\1\0\x40\0abc"),
     };
@@ -126,6 +144,12 @@ QByteArray gif()
     return "GIF89a" + bytesOf("\1\0\1\0\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
 }
 
+/** Of no more than this header: a canvas of four billion pixels. */
+QByteArray endlessGif()
+{
+    return "GIF89a" + bytesOf("\xFF\xFF\xFF\xFF\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
+}
+
 /** A BMP whose first row is the upper one. */
 QByteArray bmpFromTheTop()
 {
@@ -139,8 +163,11 @@ QList<QByteArray> costlyImages()
     using namespace JpegBuilder;
     const Bytes remarks = segment(Remark, "a: b").repeated(3) + segment(Exif, "camera");
     return {jpeg(Progressive, {64, 40}, "\x22\x11\x11", 5),
-            jpeg(Progressive, {5790, 5790}, "\x11\x11\x11\x11", 3), jpeg(Progressive, {64, 40}, "\x11", 300),
-            jpeg(Baseline, {64, 40}, "\x41\x12\x11", 1, remarks), jpeg(Arithmetic, {64, 40}, "\x11")};
+            jpeg(Progressive, {5790, 5790}, "\x11\x11\x11\x11", 3),
+            jpeg(Progressive, {64, 40}, "\x11", 300),
+            jpeg(Baseline, {64, 40}, "\x41\x12\x11", 1, remarks),
+            jpeg(Arithmetic, {64, 40}, "\x11"),
+            endlessGif()};
 }
 
 QList<QByteArray> images()
@@ -171,6 +198,7 @@ void id3Seeds()
         mp3(id3v2(pictureFrame("image/png", image) + texts));
     for (const QByteArray& image : costlyImages())
         mp3(id3v2(pictureFrame("image/jpeg", image)));
+    mp3(id3v2(frameClaiming("TIT2", 2000, bytesOf("\0x") + pictureFrame("image/jpeg", smallImage("JPEG")))));
     mp3(id3v2Claiming(0x0FFFFFFF, frameClaiming("TIT2", 0x7FFFFFFF, pictureFrame("image/png", "x"))));
     mp3(id3v2(pictureFrame("image/jpeg", smallImage("JPEG"))));
     mp3(id3v2(pictureFrame("image/jpg", smallImage("JPEG"), "front")));
