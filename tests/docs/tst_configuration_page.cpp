@@ -5,7 +5,7 @@
 #include "screens/setupform.h"
 #include "tests/docs/document.h"
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/routestandin.h"
 #include "tools/supervisor/words.h"
 
@@ -329,5 +329,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(ConfigurationPageTest)
+VIREO_PORT_TEST_MAIN(ConfigurationPageTest)
 #include "tst_configuration_page.moc"

@@ -1,5 +1,5 @@
 #include "tests/journeys/panelprocess.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 #include "tests/tools/supervisorrun.h"
 
@@ -104,5 +104,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(ExamplesTest)
+VIREO_PORT_TEST_MAIN(ExamplesTest)
 #include "tst_examples.moc"

@@ -3,7 +3,7 @@
 #include "link/tcp_server.h"
 #include "tests/docs/document.h"
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/signalrecorder.h"
 #include "tools/supervisor/modeanswers.h"
 #include "tools/supervisor/words.h"
@@ -420,5 +420,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(ProtocolPageTest)
+VIREO_PORT_TEST_MAIN(ProtocolPageTest)
 #include "tst_protocol_page.moc"

@@ -1,7 +1,7 @@
 #include "tests/docs/document.h"
 #include "tests/mainwindow/listing.h"
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tools/supervisor/words.h"
 
 #include <QLabel>
@@ -227,5 +227,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(ProtocolSightsTest)
+VIREO_PORT_TEST_MAIN(ProtocolSightsTest)
 #include "tst_protocol_sights.moc"

@@ -4,6 +4,7 @@
 #include "link/tcp_server.h"
 
 #include <QProcess>
+#include <QSignalSpy>
 #include <QStringList>
 #include <QTcpSocket>
 #include <QtTest>
@@ -33,13 +34,16 @@ public:
     /** Connects once the program listens; false when it does not within a minute. */
     bool connectSupervisor()
     {
-        return QTest::qWaitFor(
+        const bool connected = QTest::qWaitFor(
             [this] {
                 m_link.abort();
                 m_link.connectToHost(QHostAddress::LocalHost, tcp_server::port);
                 return m_link.waitForConnected(100);
             },
             60000);
+        m_link.setSocketOption(QAbstractSocket::LowDelayOption,
+                               1); // a question does not wait for its packet's receipt
+        return connected;
     }
 
     void write(const QByteArray& bytes)
@@ -53,8 +57,10 @@ public:
     int mode(int timeoutMs = 10000)
     {
         send(Command::Request, wire::Request::Mode);
-        if (!QTest::qWaitFor([this] { return m_link.bytesAvailable() >= 5; }, timeoutMs))
-            return -1;
+        QSignalSpy arrived(&m_link, &QTcpSocket::readyRead);
+        while (m_link.bytesAvailable() < 5)
+            if (!arrived.wait(timeoutMs))
+                return -1;
         const QByteArray answer = m_link.read(5);
         return answer.startsWith(packetOf(quint16(Command::Request), 1, {})) ? int(quint8(answer.at(4))) : -1;
     }
@@ -62,7 +68,7 @@ public:
     /** Everything printed so far, a line each; the answer to mode() is printed before it arrives. */
     QStringList lines()
     {
-        m_process.waitForReadyRead(50);
+        m_process.waitForReadyRead(0);
         m_output += m_process.readAll();
         QStringList result;
         for (const QByteArray& line : m_output.split('\n'))

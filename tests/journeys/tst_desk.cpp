@@ -1,5 +1,5 @@
 #include "tests/support/desk.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 
 /** Real windows on real displays. */
@@ -62,5 +62,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(DeskTest)
+VIREO_PORT_TEST_MAIN(DeskTest)
 #include "tst_desk.moc"

@@ -1,5 +1,5 @@
 #include "tests/journeys/panelprocess.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 #include "tests/tags/jpegbuilder.h"
 
@@ -182,5 +182,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(FaultsTest)
+VIREO_PORT_TEST_MAIN(FaultsTest)
 #include "tst_faults.moc"

@@ -1,5 +1,5 @@
 #include "tests/journeys/panelprocess.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 #include "tests/tools/windowhand.h"
 #include "tools/supervisor/encoderknob.h"
@@ -173,5 +173,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(FrontPanelTest)
+VIREO_PORT_TEST_MAIN(FrontPanelTest)
 #include "tst_front_panel.moc"

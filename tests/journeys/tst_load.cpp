@@ -1,5 +1,5 @@
 #include "tests/journeys/panelprocess.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 
 #include <QElapsedTimer>
@@ -235,5 +235,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(LoadTest)
+VIREO_PORT_TEST_MAIN(LoadTest)
 #include "tst_load.moc"

@@ -1,7 +1,7 @@
 #include "link/packet.h"
 #include "tests/mainwindow/listing.h"
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/routestandin.h"
 
 #include <QListView>
@@ -321,5 +321,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(RandomJourneyTest)
+VIREO_PORT_TEST_MAIN(RandomJourneyTest)
 #include "tst_random_journey.moc"

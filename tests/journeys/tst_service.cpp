@@ -1,6 +1,6 @@
 #include "tests/journeys/panelprocess.h"
 #include "tests/support/notifysocket.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 
 #include <QTcpServer>
@@ -82,5 +82,5 @@ private:
     QTemporaryDir m_folder;
 };
 
-VIREO_TEST_MAIN(ServiceTest)
+VIREO_PORT_TEST_MAIN(ServiceTest)
 #include "tst_service.moc"

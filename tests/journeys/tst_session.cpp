@@ -1,6 +1,6 @@
 #include "app/version.h"
 #include "tests/journeys/panelprocess.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 #include "tests/tags/mediabuilder.h"
 
@@ -229,10 +229,11 @@ private slots:
         newer.write(packetOf(Command::Request, wire::Request::Mode));
         QVERIFY(newer.waitForReadyRead(10000));
         QCOMPARE(newer.readAll(), packetOf(Command::Request, ModeCode::None));
-        QCOMPARE(panel.mode(300), -1);
+        panel.send(Command::Request, wire::Request::Mode);
         newer.write(packetOf(Command::Request, wire::Request::Mode));
         QVERIFY(newer.waitForReadyRead(10000));
         QCOMPARE(newer.readAll(), packetOf(Command::Request, ModeCode::None));
+        QVERIFY(!panel.link().waitForReadyRead(0));
     }
 
     /** As three commands run one after the other from a shell; the first keeps the panel busy. */
@@ -263,5 +264,5 @@ private:
     UnitRoot m_unit;
 };
 
-VIREO_TEST_MAIN(SessionTest)
+VIREO_PORT_TEST_MAIN(SessionTest)
 #include "tst_session.moc"

@@ -1,6 +1,6 @@
 #include "app/version.h"
 #include "tests/journeys/panelprocess.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 
 #include <QTemporaryFile>
@@ -154,5 +154,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(StartTest)
+VIREO_PORT_TEST_MAIN(StartTest)
 #include "tst_start.moc"

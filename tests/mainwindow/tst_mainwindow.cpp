@@ -1,5 +1,5 @@
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/strings.h"
 
 #include <QLabel>
@@ -154,5 +154,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(MainWindowTest)
+VIREO_PORT_TEST_MAIN(MainWindowTest)
 #include "tst_mainwindow.moc"

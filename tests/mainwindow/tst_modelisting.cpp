@@ -1,6 +1,6 @@
 #include "tests/mainwindow/listing.h"
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "widgets/pictureflow.h"
 
 #include <QHistoryState>
@@ -186,5 +186,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(ModeListingTest)
+VIREO_PORT_TEST_MAIN(ModeListingTest)
 #include "tst_modelisting.moc"

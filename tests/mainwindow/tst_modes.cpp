@@ -3,7 +3,7 @@
 #include "tests/mainwindow/listing.h"
 #include "tests/mainwindow/panel.h"
 #include "tests/support/configbytes.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 
 #include <memory>
 #include <optional>
@@ -246,5 +246,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(ModesTest)
+VIREO_PORT_TEST_MAIN(ModesTest)
 #include "tst_modes.moc"

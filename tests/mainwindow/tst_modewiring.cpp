@@ -1,5 +1,5 @@
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/strings.h"
 
 #include <QLabel>
@@ -79,5 +79,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(ModeWiringTest)
+VIREO_PORT_TEST_MAIN(ModeWiringTest)
 #include "tst_modewiring.moc"

@@ -1,5 +1,5 @@
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/strings.h"
 
 #include <optional>
@@ -77,5 +77,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(NetworkRestartTest)
+VIREO_PORT_TEST_MAIN(NetworkRestartTest)
 #include "tst_networkrestart.moc"

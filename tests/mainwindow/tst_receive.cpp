@@ -1,7 +1,7 @@
 #include "app/limits.h"
 #include "link/packet.h"
 #include "tests/mainwindow/panel.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/signalrecorder.h"
 #include "tests/support/strings.h"
 
@@ -312,5 +312,5 @@ private:
     std::unique_ptr<LogCatcher> m_silence;
 };
 
-VIREO_TEST_MAIN(ReceiveTest)
+VIREO_PORT_TEST_MAIN(ReceiveTest)
 #include "tst_receive.moc"

@@ -1,5 +1,5 @@
 #include "tests/pictures/face.h"
-#include "tests/support/panelmain.h"
+#include "tests/support/ownport.h"
 #include "tests/support/unitroot.h"
 
 #include <QDir>
@@ -255,5 +255,5 @@ private slots:
     }
 };
 
-VIREO_TEST_MAIN(PicturesTest)
+VIREO_PORT_TEST_MAIN(PicturesTest)
 #include "tst_pictures.moc"
