@@ -5,8 +5,10 @@ target_compile_options(vireo_flags INTERFACE
     $<$<CXX_COMPILER_ID:GNU>:-Wcast-align=strict>
     $<$<BOOL:${VIREO_WERROR}>:-Werror>)
 target_compile_definitions(vireo_flags INTERFACE
-    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH
-    QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+    QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+# A literal in a test is a literal; the product says of each whether it is UTF-16 already or made so at run time.
+target_compile_definitions(vireo_flags INTERFACE
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VIREO_PLAIN_LITERALS>>>:QT_NO_CAST_FROM_ASCII>)
 if(VIREO_SANITIZE)
     target_compile_options(vireo_flags INTERFACE
         -fsanitize=${VIREO_SANITIZE} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
