@@ -6,8 +6,15 @@
 #include <QImage>
 #include <QPixmap>
 
-/** What one reading of a file by a format's reader gave. */
-template <typename Reader> struct TagReading {
+/** What one reading of a file gave. */
+struct ReadTags {
+    QString title, artist, album;
+    QImage picture;
+    QStringList log;
+};
+
+/** One reading of a file by a format's reader. */
+template <typename Reader> struct TagReading : ReadTags {
     explicit TagReading(const QByteArray& file)
     {
         MediaFolder folder;
@@ -20,7 +27,4 @@ template <typename Reader> struct TagReading {
         picture = reader.GetPicture().toImage();
         log = LogCatcher::plain();
     }
-    QString title, artist, album;
-    QImage picture;
-    QStringList log;
 };
