@@ -272,42 +272,26 @@ private slots:
         QTest::addColumn<int>("command");
         QTest::addColumn<QByteArray>("data");
         QTest::addColumn<QStringList>("lines");
-        const auto trace = [](const char* command, const char* length, const char* data) {
-            return QStringList({QStringLiteral("receive cmd[%1] length[%2]")
-                                    .arg(QLatin1String(command), QLatin1String(length)),
-                                QStringLiteral("Parser received Packet : %1").arg(QLatin1String(data))});
+        const auto row = [](const char* name, int command, const QByteArray& data, const QStringList& more) {
+            const QString number = QString::number(command, 16).toUpper().rightJustified(4, '0');
+            const QString length = QString::number(data.size(), 16).toUpper().rightJustified(4, '0');
+            const QStringList trace = {"receive cmd[" + number + "] length[" + length + "]",
+                                       "Parser received Packet : " + QString(data.toHex())};
+            QTest::newRow(name) << command << data << trace + more;
         };
-        QTest::newRow("key") << 5 << bytes("02")
-                             << trace("0005", "0001", "02")
-                + QStringList(QStringLiteral("void PAparser::parseKey(QByteArray)"));
-        QTest::newRow("unknown key says no more than its signature") << 5 << bytes("88")
-                                                                     << trace("0005", "0001", "88")
-                + QStringList(QStringLiteral("void PAparser::parseKey(QByteArray)"));
-        QTest::newRow("command 9") << 9 << bytes("0102") << trace("0009", "0002", "0102");
-        QTest::newRow("command 12") << 12 << bytes("ff") << trace("000C", "0001", "ff");
-        QTest::newRow("encoder") << 11 << bytes("80")
-                                 << trace("000B", "0001", "80")
-                + QStringList({QStringLiteral("void PAparser::parseEnc(QByteArray)"),
-                               QStringLiteral("Encoder value [ -128 ]")});
-        QTest::newRow("request has no signature line")
-            << 13 << bytes("f8")
-            << trace("000D", "0001", "f8") + QStringList(QStringLiteral("Request value [ -8 ]"));
-        QTest::newRow("undefined mode") << 3 << bytes("03")
-                                        << trace("0003", "0001", "03")
-                + QStringList({QStringLiteral("void PAparser::parseMode(QByteArray)"),
-                               QStringLiteral("Undefined TYPE-Info ")});
-        QTest::newRow("undefined mode with repeat") << 3 << bytes("07")
-                                                    << trace("0003", "0001", "07")
-                + QStringList({QStringLiteral("void PAparser::parseMode(QByteArray)"),
-                               QStringLiteral("Undefined TYPE-Info (repeat on) ")});
-        QTest::newRow("file name") << 1 << QByteArray("a.mp3")
-                                   << trace("0001", "0005", "612e6d7033")
-                + QStringList({QStringLiteral("void PAparser::parseFilename(QByteArray)"),
-                               QStringLiteral("I FileName [ a.mp3 ]")});
-        QTest::newRow("upgrade message has no signature line")
-            << 16 << QByteArray("x")
-            << trace("0010", "0001", "78") + QStringList(QStringLiteral("I UPGRADE MSG [ x ]"));
-        QTest::newRow("AOE state has no signature line") << 17 << bytes("01") << trace("0011", "0001", "01");
+        const QString key = "void PAparser::parseKey(QByteArray)";
+        const QString mode = "void PAparser::parseMode(QByteArray)";
+        row("key", 5, bytes("02"), {key});
+        row("unknown key says no more than its signature", 5, bytes("88"), {key});
+        row("command 9", 9, bytes("0102"), {});
+        row("command 12", 12, bytes("ff"), {});
+        row("encoder", 11, bytes("80"), {"void PAparser::parseEnc(QByteArray)", "Encoder value [ -128 ]"});
+        row("request has no signature line", 13, bytes("f8"), {"Request value [ -8 ]"});
+        row("undefined mode", 3, bytes("03"), {mode, "Undefined TYPE-Info "});
+        row("undefined mode with repeat", 3, bytes("07"), {mode, "Undefined TYPE-Info (repeat on) "});
+        row("file name", 1, "a.mp3", {"void PAparser::parseFilename(QByteArray)", "I FileName [ a.mp3 ]"});
+        row("upgrade message has no signature line", 16, "x", {"I UPGRADE MSG [ x ]"});
+        row("AOE state has no signature line", 17, bytes("01"), {});
     }
     void logOfOnePacket()
     {
