@@ -136,7 +136,7 @@ report() {
     echo "The unit for $arch, kernel $version:"
     du -h --apparent-size "$out/kernel" "$out/initrd"
     echo "$(du -sh "$tree" | cut -f1) on a disk of $disk_size, the largest folders:"
-    (cd "$tree" && du -h -d 3 usr/lib usr/share usr/bin | sort -rh | head -12)
+    (cd "$tree" && du -h -d 3 usr/lib usr/share usr/bin | sort -rh | sed -n 1,12p)
     echo "$(grep -c '^Package:' "$tree/var/lib/dpkg/status") packages: $(sed -n 's/^Package: //p' "$tree/var/lib/dpkg/status" | paste -sd' ')"
 }
 
