@@ -1,6 +1,7 @@
 #!/bin/bash
-# Boots the unit and tries it, and prints a table: packaging/unit/try.sh [amd64|arm64|armhf] [quick] [ROW...]
-# A ROW is a part of a row's name; without any, all rows are tried. ACCEL=kvm lets this machine's processor run the unit.
+# Boots the unit and tries it, and prints a table: packaging/unit/try.sh [amd64|arm64|armhf] [quick] [TIMES] [ROW...]
+# A ROW is a part of a row's name; without any, all rows are tried. TIMES is how often the plug is pulled; without, 50 times.
+# ACCEL=kvm lets this machine's processor run the unit.
 # PATIENCE=N waits N times as long on a slow machine. What differs is left in build/unit/ARCH/try.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -47,11 +48,8 @@ libraries=$([ "$arch" = amd64 ] || echo "build/sysroot/$arch")/usr/lib/${triplet
 tree=$out/try.tree
 rm -rf "$tree"
 mkdir -p "$tree" "$out/try"
-cp packaging/unit/try/agent "$tree/"
-cp -r "$out/try.modules/lib" "$tree/"
 make_packages "$tree"
 copy_tests "$tree"
-rm -f "$out/try/try.disk"
-mke2fs -q -t ext4 -d "$tree" "$out/try/try.disk" 300M
+packaging/unit/try/hands.sh "$out" "$out/try/try.disk" "$tree"
 rm -r "$tree"
 exec python3 -B packaging/unit/try/main.py "$arch" "$PWD" "$@"

@@ -23,6 +23,7 @@ QUIET = "quiet loglevel=0 systemd.show_status=false vt.global_cursor_default=0 c
 UNIT_NETWORK = "user,id=unit,restrict=on,net=192.0.2.0/24,host=192.0.2.1,dns=192.0.2.53,dhcpstart=192.0.2.100"
 DESK_NETWORK = "user,id=desk,restrict=on,net=198.51.100.0/24,host=198.51.100.1,dhcpstart=198.51.100.50"
 PANEL_PORT = 5000
+LONGEST_ANSWER = 300  # seconds; an emulator that takes longer hangs
 
 
 def free_port():
@@ -38,9 +39,10 @@ def is_fast(arch):
 
 
 class Machine:
-    """A unit's hardware. `folder` holds kernel and initrd; `port` of this desk leads to the panel."""
+    """A unit's hardware. `folder` holds kernel and initrd; `port` of this desk leads to the panel. With `frozen` it does not
+    boot but goes on where freeze() left the same hardware."""
 
-    def __init__(self, arch, folder, disk, port=None, append="", more=(), display="none"):
+    def __init__(self, arch, folder, disk, port=None, append="", more=(), display="none", frozen=None):
         self.port = port or free_port()
         self.foreign_port = free_port()
         self.control = os.path.join(os.path.dirname(disk), "control")
@@ -60,17 +62,22 @@ class Machine:
             "-netdev", UNIT_NETWORK + foreign, "-device", "virtio-net-pci,netdev=unit,romfile=,mac=02:00:5e:10:00:2a",
             "-netdev", DESK_NETWORK + forward, "-device", "virtio-net-pci,netdev=desk,romfile=,mac=02:00:5e:10:00:2b",
             "-device", "qemu-xhci,id=usb", "-qmp", f"unix:{self.control},server=on,wait=off", *more,
+            *(["-incoming", f"exec:cat '{frozen}'"] if frozen else []),
         ]
 
     def power_on(self):
         if not shutil.which(self.command[0]):
             raise SystemExit(f"unit: {self.command[0]} is missing; tools/setup.sh unit installs it")
         self.process = subprocess.Popen(self.command, stdin=subprocess.DEVNULL)
-        self.started = time.monotonic()
-        self._link = self._connect(self.control)
-        self._lines = self._link.makefile("r")
-        self._lines.readline()
-        self.ask("qmp_capabilities")
+        try:
+            self._link = self._connect(self.control)
+            self._link.settimeout(LONGEST_ANSWER)
+            self._lines = self._link.makefile("r")
+            self._lines.readline()
+            self.ask("qmp_capabilities")
+        except BaseException:
+            self.process.kill()
+            raise
 
     def pull_plug(self):
         """Nothing that the unit has in memory is left; the disk is as the emulator has written it."""
@@ -90,6 +97,16 @@ class Machine:
                 raise RuntimeError(f"{command}: {answer['error']['desc']}")
             if "return" in answer:
                 return answer["return"]
+
+    def freeze(self, path):
+        """Stands still and leaves what the unit has in memory in a file. The disk stays as it is."""
+        self.ask("migrate-set-parameters", **{"downtime-limit": LONGEST_ANSWER * 1000, "max-bandwidth": 1 << 40})
+        self.ask("migrate", uri=f"exec:cat >'{path}'")
+        deadline = time.monotonic() + LONGEST_ANSWER
+        while (status := self.ask("query-migrate")["status"]) != "completed":
+            if status == "failed" or time.monotonic() > deadline:
+                raise RuntimeError(f"the unit cannot be frozen: {status}")
+            time.sleep(0.1)
 
     def take_picture(self, path):
         self.ask("screendump", filename=os.path.abspath(path))

@@ -1,10 +1,12 @@
-"""Tries the unit and prints a table: main.py ARCH SOURCE [quick] [ROW...]. Status 1 when a row failed."""
+"""Tries the unit and prints a table: main.py ARCH SOURCE [quick] [TIMES] [ROW...]. Status 1 when a row failed."""
 
 import os
+import signal
 import sys
 import time
 
 import network
+import power
 import screens
 import service
 import stick
@@ -30,21 +32,35 @@ ROWS = (
     ("memory bound reached by a child", service.memory_bound, False),
     ("package upgraded and rolled back", service.upgrade, False),
     ("display loaded late", screens.late_display, False),
+    ("screens at 16 bits a pixel", screens.virtual_frame_buffer, False),
+    ("screens on DRM alone", screens.direct_rendering, False),
     ("journeys and network restart inside", service.tests, False),
 )
 
+# This one boots for itself.
+POWER = "plug pulled while files are written"
+LONGEST_ROW = 3600  # seconds
+
+
+def give_up(*_):
+    raise Failed("not done after an hour, or as many as PATIENCE says")
+
 
 class Table:
-    def __init__(self):
+    def __init__(self, patience):
         self.failed = 0
+        self.longest = int(LONGEST_ROW * patience)
+        signal.signal(signal.SIGALRM, give_up)
 
     def row(self, name, check, *arguments):
         start = time.monotonic()
+        signal.alarm(self.longest)
         try:
             verdict, note = "ok", check(*arguments) or ""
-        except (Failed, OSError, RuntimeError) as reason:
+        except Exception as reason:  # whatever it is, the other rows are tried
             verdict, note = "FAILED", str(reason)
             self.failed += 1
+        signal.alarm(0)
         print(f"{verdict:6} {time.monotonic() - start:6.0f} s  {name:38} {note}", flush=True)
 
 
@@ -53,10 +69,11 @@ def wanted(name, only):
 
 
 def main(arch, source, *words):
-    only = [word for word in words if word != "quick"]
+    times = next((int(word) for word in words if word.isdigit()), 50)
+    only = [word for word in words if word != "quick" and not word.isdigit()]
     bench = Bench(arch, source, float(os.environ.get("PATIENCE", "1")))
     stick.make_stick(bench)
-    table = Table()
+    table = Table(bench.patience)
     rows = [row for row in ROWS if wanted(row[0], only) and (row[2] or "quick" not in words)]
     if rows:
         with Unit(bench, bench.new_disk()) as unit:
@@ -66,8 +83,13 @@ def main(arch, source, *words):
             service.ready(unit)
             for name, check, _ in rows:
                 table.row(name, check, unit)
+    if wanted(POWER, only) and "quick" not in words:
+        table.row(POWER, power.rounds, bench, times)
     return table.failed and 1
 
 
 if __name__ == "__main__":
-    sys.exit(main(*sys.argv[1:]))
+    try:
+        sys.exit(main(*sys.argv[1:]))
+    except Failed as reason:
+        sys.exit(f"unit: {reason}")

@@ -91,3 +91,35 @@ def without(rows, boxes):
 def part(rows, box):
     left, top, width, height = box
     return [row[left:left + width] for row in rows[top:top + height]]
+
+
+def rows_of_565(data, stride):
+    """A display's memory of 16 bits a pixel, as the display shows it."""
+    rows = []
+    for y in range(HEIGHT):
+        pixels = struct.unpack_from(f"<{WIDTH}H", data, y * stride)
+        rows.append([_as_eight_bits(p >> 11, p >> 5 & 63, p & 31) for p in pixels])
+    return rows
+
+
+def _as_eight_bits(red, green, blue):
+    return red << 3 | red >> 2, green << 2 | green >> 4, blue << 3 | blue >> 2
+
+
+def in_16_bits(rows):
+    """The picture in the shades that 16 bits a pixel have."""
+    return [[_as_eight_bits(r >> 3, g >> 2, b >> 3) for r, g, b in row] for row in rows]
+
+
+def farthest(one, other):
+    """By how much the channel that differs most differs, of 255."""
+    return max(abs(a - b) for row, row2 in zip(one, other) for p, p2 in zip(row, row2) for a, b in zip(p, p2))
+
+
+def farthest_cell(one, other, size=4):
+    """By how much the mean brightness of the square that differs most differs, of 255."""
+    def brightness(rows, left, top):
+        pixels = [pixel for row in rows[top:top + size] for pixel in row[left:left + size]]
+        return sum(map(sum, pixels)) / (3 * len(pixels))
+    return max(abs(brightness(one, x, y) - brightness(other, x, y))
+               for y in range(0, len(one), size) for x in range(0, len(one[0]), size))

@@ -1,5 +1,7 @@
 """Rows about what is seen: from power-on to the logo, and every screen on the frame buffer."""
 
+import base64
+import contextlib
 import os
 
 from unit import Failed, require, wait_for
@@ -57,9 +59,11 @@ def wait_notice(unit):
     wanted = pictures.compared("setup-waiting", pictures.load("setup-waiting"))
     unit.told("device ir", "key long-select", "wait 100", "enc 2", "key select", "wait 4000", "expect setup")
     choice = ("enc 1", "enc -1")["<dhcp>no" in unit.must("cat /opt/orvane/conf/network.xml")]
-    with unit.supervisor(f"key select\n{choice}\nkey select"):
-        wait_for(lambda: pictures.compared("setup-waiting", unit.picture()) == wanted, 15 * unit.bench.patience,
-                 "no notice on the display")
+    with tour.settings_kept(unit):
+        with unit.supervisor(f"key select\n{choice}\nkey select"):
+            wait_for(lambda: pictures.compared("setup-waiting", unit.picture()) == wanted, 15 * unit.bench.patience,
+                     "no notice on the display")
+        wait_for(lambda: unit.say("expect setup")[0], 60 * unit.bench.patience, "the panel waits for ever")
 
 
 def unload_display(unit):
@@ -82,3 +86,49 @@ def shows(unit, rows):
         return unit.picture() == rows
     except ValueError:
         return False
+
+
+DROP_IN = "/run/systemd/system/vireo.service.d/try.conf"
+
+
+@contextlib.contextmanager
+def other_display(unit, *lines):
+    """The panel on another display, which has no name that its start could wait for."""
+    restart = "systemctl daemon-reload && systemctl --job-mode=ignore-dependencies restart vireo"
+    unit.must(f"mkdir -p $(dirname {DROP_IN}); printf '%s\\n' '[Service]' {' '.join(map(repr, lines))} >{DROP_IN}; {restart}")
+    try:
+        yield
+    finally:
+        unit.must(f"rm {DROP_IN}; {restart}")
+
+
+def virtual_frame_buffer(unit):
+    """16 bits a pixel, on the kernel's frame buffer in memory."""
+    unit.must("modprobe -d /try vfb vfb_enable=1 mode_option=320x240-16@60 videomemorysize=1048576")
+    unit.waits_until("test -e /dev/fb1", 30, "no second frame buffer")
+    require(unit.must("cat /sys/class/graphics/fb1/bits_per_pixel") == "16", "not 16 bits a pixel")
+    stride = int(unit.must("cat /sys/class/graphics/fb1/stride"))
+    pictures = accepted(unit)
+
+    def take():
+        data = unit.must(f"head -c {stride * picture.HEIGHT} /dev/fb1 | base64 -w0")
+        return picture.rows_of_565(base64.b64decode(data), stride)
+    with other_display(unit, "Environment=QT_QPA_PLATFORM=linuxfb:fb=/dev/fb1:tty=/dev/null:nographicsmodeswitch"):
+        return tour.play(unit, take, pictures.is_coarse)
+
+
+def load_display(unit, emulation):
+    unload_display(unit)
+    unit.must(f"modprobe -r drm_kms_helper; modprobe drm_kms_helper fbdev_emulation={emulation}; modprobe virtio_gpu")
+    unit.waits_until("test -e /dev/dri/card0", 30, "no display")
+
+
+def direct_rendering(unit):
+    """The kernel's display without the emulation of a frame buffer."""
+    load_display(unit, emulation=0)
+    require(unit.do("test -e /dev/fb0")[0] != 0, "there is a frame buffer")
+    with other_display(unit, "Environment=QT_QPA_FB_DRM=1", "Environment=QT_QPA_PLATFORM=linuxfb", "DeviceAllow=char-drm rw"):
+        try:
+            return frame_buffer(unit)
+        finally:
+            load_display(unit, emulation=1)

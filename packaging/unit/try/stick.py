@@ -5,7 +5,7 @@ import subprocess
 
 from service import answers, process
 from unit import require, wait_for
-import tour
+import picture
 
 MOUNT = "/srv/stick"
 

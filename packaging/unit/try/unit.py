@@ -36,15 +36,16 @@ def wait_for(condition, seconds, message):
 class Bench:
     """Where units are tried: the image, the disk of the tests and a folder for what is made."""
 
-    def __init__(self, arch, source, patience):
+    def __init__(self, arch, source, patience, folder="try"):
         self.arch = arch
         self.source = source
         self.image = os.path.join(source, "build/unit", arch)
-        self.folder = os.path.join(self.image, "try")
+        self.folder = os.path.join(self.image, folder)
         self.patience = patience
         self.stick = os.path.join(self.folder, "stick")
         self.stick_folder = os.path.join(self.folder, "stick.files")
         self.supervisor = os.path.join(source, "build/default/bin/vireo-supervisor")
+        os.makedirs(self.folder, exist_ok=True)
 
     def new_disk(self):
         """A copy of the unit's disk with the hands in it."""
@@ -58,21 +59,30 @@ class Bench:
 
     def beside_the_unit(self, command, **more):
         """Starts a program of the desk that sees the unit's media under the paths that they have on the unit."""
-        return subprocess.Popen(
+        return Program(
             ["unshare", "-rm", "sh", "-ec", 'mount -t tmpfs none /srv; mkdir /srv/music /srv/stick; '
              'mount --bind "$1" /srv/music; mount --bind "$2" /srv/stick; shift 2; exec "$@"', "sh",
              os.path.join(self.source, "tools/demo-unit/music"), self.stick_folder, *command], **more)
 
 
-class Unit:
-    """One boot. Ends with the plug pulled."""
+class Program(subprocess.Popen):
+    """A program of the desk. It ends with what it was started for, also when that fails."""
 
-    def __init__(self, bench, disk, append="", more=()):
+    def __exit__(self, kind, *more):
+        if kind:
+            self.kill()
+        super().__exit__(kind, *more)
+
+
+class Unit:
+    """One boot, or one more life of a unit that was frozen. Ends with the plug pulled."""
+
+    def __init__(self, bench, disk, append="", more=(), frozen=None):
         self.bench = bench
         self.hands = os.path.join(bench.folder, "hands")
         if os.path.exists(self.hands):
             os.remove(self.hands)
-        self.machine = Machine(bench.arch, bench.image, disk, append=append, more=[
+        self.machine = Machine(bench.arch, bench.image, disk, append=append, frozen=frozen, more=[
             "-drive", f"file={bench.folder}/try.disk,format=raw,if=virtio,readonly=on",
             "-device", "virtio-serial-pci", "-chardev", f"socket,id=hands,path={self.hands},server=on,wait=off",
             "-device", "virtserialport,chardev=hands,name=try", *more])
@@ -122,10 +132,10 @@ class Unit:
     def waits_until(self, command, seconds, message):
         wait_for(lambda: self.do(command)[0] == 0, seconds * self.bench.patience, message)
 
-    def supervisor(self, script, port=None):
-        """The stand-in supervisor, started on a script."""
+    def supervisor(self, script, port=None, answers=subprocess.DEVNULL):
+        """The stand-in supervisor, started on a script; `answers` takes what it prints."""
         process = self.bench.beside_the_unit([self.bench.supervisor, "--port", str(port or self.machine.port), "script", "-"],
-                                             stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                                             stdin=subprocess.PIPE, stdout=answers, stderr=subprocess.PIPE,
                                              env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
         process.stdin.write(script.encode() + b"\n")
         process.stdin.close()
