@@ -9,13 +9,13 @@ from machine import PANEL_PORT, Machine
 import picture
 import stick
 import tour
-from unit import Bench, wait_for, Unit
-
-SUPERVISOR_AT = "700,0"  # beside a display of twice its size
+from unit import Bench, Failed, Unit, wait_for
 
 
 def take_pictures(bench, folder):
     os.makedirs(folder, exist_ok=True)
+    hands = os.path.join(os.path.dirname(os.path.abspath(__file__)), "hands.sh")
+    subprocess.run([hands, bench.image, os.path.join(bench.folder, "try.disk")], check=True)
     accepted = tour.Accepted(bench.source)
 
     def save_if_right(name, rows):
@@ -30,10 +30,10 @@ def take_pictures(bench, folder):
 def show(bench):
     disk = os.path.join(bench.folder, "disk")
     subprocess.run(["cp", "--sparse=always", os.path.join(bench.image, "disk"), disk], check=True)
-    machine = Machine(bench.arch, bench.image, disk, port=PANEL_PORT, display="gtk,zoom-to-fit=off")
+    machine = Machine(bench.arch, bench.image, disk, port=PANEL_PORT, display="gtk,zoom-to-fit=off,show-menubar=off")
     machine.power_on()
     print("The unit boots; close a window or press Ctrl-C to pull its plug.")
-    with bench.beside_the_unit([bench.supervisor, "--music", "/srv/music", "--at", SUPERVISOR_AT]) as supervisor:
+    with bench.beside_the_unit([bench.supervisor, "--music", "/srv/music"]) as supervisor:
         try:
             while machine.is_on() and supervisor.poll() is None:
                 try:
@@ -48,8 +48,7 @@ def show(bench):
 
 
 def main(arch, source, folder=None):
-    bench = Bench(arch, source, float(os.environ.get("PATIENCE", "1")))
-    os.makedirs(bench.folder, exist_ok=True)
+    bench = Bench(arch, source, float(os.environ.get("PATIENCE", "1")), "show")
     stick.make_stick(bench)
     if folder:
         take_pictures(bench, folder)
@@ -58,4 +57,7 @@ def main(arch, source, folder=None):
 
 
 if __name__ == "__main__":
-    main(*sys.argv[1:])
+    try:
+        main(*sys.argv[1:])
+    except Failed as reason:
+        sys.exit(f"unit: {reason}")
