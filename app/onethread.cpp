@@ -7,7 +7,7 @@
  * for them: where the unit has no room for a thread, for ever. Linked into a program, this stands in front of
  * the toolkit's own function, and each part is done where it is asked for.
  */
-void QThreadPool::start(QtCompat::PoolWork work, int)
+void QThreadPool::start(QtCompat::PoolWork functionToRun, int)
 {
-    QtCompat::run(work);
+    QtCompat::run(functionToRun);
 }
