@@ -111,12 +111,15 @@ class Machine:
     def take_picture(self, path):
         self.ask("screendump", filename=os.path.abspath(path))
 
-    def plug_in(self, image, bytes_a_second=0):
-        """A stick, as slow as is said."""
-        self.ask("object-add", **{"qom-type": "throttle-group", "id": "pace", "limits": {"bps-total": bytes_a_second}})
+    def plug_in(self, image):
+        self.ask("object-add", **{"qom-type": "throttle-group", "id": "pace", "limits": {"bps-total": 0}})
         self.ask("blockdev-add", driver="throttle", **{"throttle-group": "pace", "node-name": "stick", "read-only": True,
                  "file": {"driver": "file", "filename": os.path.abspath(image), "read-only": True}})
         self.ask("device_add", driver="usb-storage", drive="stick", id="stick", bus="usb.0")
+
+    def slow_down(self, bytes_a_second):
+        """From now on the stick is as slow as is said."""
+        self.ask("qom-set", path="/objects/pace", property="limits", value={"bps-total": bytes_a_second})
 
     def pull_out(self):
         self.ask("device_del", id="stick")

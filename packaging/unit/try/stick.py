@@ -19,8 +19,8 @@ def make_stick(bench):
                     "sh", image, folder, music], check=True)
 
 
-def plug_in(unit, **slow):
-    unit.machine.plug_in(unit.bench.stick, **slow)
+def plug_in(unit):
+    unit.machine.plug_in(unit.bench.stick)
     unit.waits_until("test -b /dev/sda", 30, "the stick is not found")
     unit.must(f"mkdir -p {MOUNT} && mount -o ro,iocharset=ascii /dev/sda {MOUNT}")
 
@@ -46,9 +46,11 @@ def pulled_while_playing(unit):
 
 
 def pulled_while_reading(unit):
-    """The stick is slow and goes while the panel reads a file from its first page to its last."""
+    """The stick becomes slow and goes while the panel reads a file from its first page to its last."""
     before = process(unit)
-    plug_in(unit, bytes_a_second=4096)
+    plug_in(unit)
+    unit.must("sync; echo 3 >/proc/sys/vm/drop_caches")
+    unit.machine.slow_down(bytes_a_second=1024)
     with unit.supervisor(f"device usb\ndisk-state normal\nfile {MOUNT}/quiet-hall.ogg"):
         unit.waits_until(f"ls -l /proc/{before}/fd | grep -q {MOUNT}", 20, "the panel does not read")
         pull_out(unit)
