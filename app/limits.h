@@ -60,8 +60,8 @@ constexpr int aliveMs = 1000;
 /** a piece that shows holds some tens; only of characters without width are there so many to measure */
 constexpr int pieceCharacters = 4096;
 
-/** of a text on a label: a label is at most 320 pixels wide, but a centred text shows its middle */
-constexpr int labelCharacters = 2048;
+/** of a text that is centred on its label: too wide, it shows its middle, which more than fits decides */
+constexpr int centredCharacters = 1024;
 
 // the link
 

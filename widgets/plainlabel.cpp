@@ -18,7 +18,8 @@ PlainLabel::PlainLabel(QWidget* parent)
 void PlainLabel::paintEvent(QPaintEvent*)
 {
     const QRect box = contentsRect();
-    const QString drawn = drawableText(text(), limits::labelCharacters);
+    const bool isCentred = alignment() & Qt::AlignHCenter;
+    const QString drawn = drawableText(text(), isCentred ? limits::centredCharacters : box.width());
     const bool rightToLeft = drawn.isRightToLeft();
     const Qt::Alignment place =
         QStyle::visualAlignment(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight, placeOf(drawn, alignment()));

@@ -154,16 +154,26 @@ private slots:
         QVERIFY(picture(text) != picture(QString()));
     }
 
+    void aTextOfAnyLengthIsLaidOutInBounds_data()
+    {
+        QTest::addColumn<Qt::Alignment>("alignment");
+        QTest::addColumn<int>("characters");
+        QTest::newRow("left") << atLeft << box.width();
+        QTest::newRow("centred") << Qt::Alignment(Qt::AlignCenter) << limits::centredCharacters;
+    }
     void aTextOfAnyLengthIsLaidOutInBounds()
     {
-        const QString text = QString(0xFFFF, QLatin1Char('x'));
+        QFETCH(Qt::Alignment, alignment);
+        QFETCH(int, characters);
+        const QString text(0xFFFF, QLatin1Char('x'));
         RecordingStyle style;
         PlainLabel label;
         label.setStyle(&style);
+        label.setAlignment(alignment);
         label.resize(box);
         label.setText(text);
         label.grab();
-        QCOMPARE(style.drawn, QStringList(text.left(limits::labelCharacters)));
+        QCOMPARE(style.drawn, QStringList(text.left(characters)));
         QCOMPARE(label.text(), text);
     }
 
