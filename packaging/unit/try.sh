@@ -10,7 +10,8 @@ arch=amd64
 case "${1:-}" in amd64 | arm64 | armhf) arch=$1 && shift ;; esac
 out=build/unit/$arch
 preset=$([ "$arch" = amd64 ] && echo default || echo "$arch")
-# Others in tests/journeys need what a unit has not: programs that make music, the tour, the keyboards of a desk.
+# Others in tests/journeys need what is not there: programs that make music, the tour, the keyboards of a desk, more of the sources, or a
+# processor that is faster than an emulated one.
 tests=(tst_networkrestart tst_demo_scripts tst_front_panel tst_faults tst_service)
 
 tools/setup.sh build test unit
