@@ -152,6 +152,7 @@ QString listing()
     QString text = stackLines(panel) + machineLines(panel) + QLatin1Char('\n');
     const QStringList modes = panel.waysTo().keys();
     const auto always = connections(panel);
+    text += block("connected in every mode", connectedBeside({}, always));
     for (const QString& mode : modes)
         text += modeLines(mode, always);
     return text;
