@@ -129,11 +129,12 @@ static_assert(chosenModes() == std::size(sources), "every entry of the menu has 
 constexpr ModeState withScreens[] = {S::AOEMode,  S::NetBGMMode, S::IRMain, S::IRList,
                                      S::MenuMode, S::SetMode,    S::USBMode};
 
+/** A mode has a screen where it has a code. */
 constexpr std::size_t screens()
 {
     std::size_t count = 0;
     for (const ModeRow& row : rows)
-        count += row.screen ? 1 : 0;
+        count += row.code == ModeCode::None ? 0 : 1;
     return count;
 }
 static_assert(screens() == std::size(withScreens), "every screen is hidden at start");
