@@ -16,7 +16,9 @@
 #include <QSet>
 #include <QXmlStreamReader>
 
+#include <memory>
 #include <sys/stat.h>
+#include <vector>
 
 namespace {
 
@@ -135,8 +137,13 @@ private slots:
         writeExamples(panel.unit);
         const Table rows = page().table(QStringLiteral("Files"));
         QMap<QString, quint64> before;
-        for (const TableRow& row : rows)
-            before.insert(Document::word(row[0]), fileNumber(panel.unit.path(Document::word(row[0]))));
+        std::vector<std::unique_ptr<QFile>> kept; // while it is open, no new file gets an old one's number
+        for (const TableRow& row : rows) {
+            const QString path = Document::word(row[0]);
+            kept.push_back(std::make_unique<QFile>(panel.unit.path(path)));
+            QVERIFY(kept.back()->open(QIODevice::ReadOnly) || !kept.back()->exists());
+            before.insert(path, fileNumber(panel.unit.path(path)));
+        }
         for (const char* words : {"device usb", "device ir", "key select", "key select", "key long-select",
                                   "enc 2", "key select", "key select", "enc -1", "key select"})
             say(panel, QLatin1String(words));
