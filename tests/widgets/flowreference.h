@@ -4,6 +4,8 @@
 #include "widgets/pictureflowstate.h"
 #include "widgets/pictureflowsurface.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -25,6 +27,8 @@ public:
     Reference(const PictureFlowState& state, QSize size)
         : m_state(state)
         , m_size(size)
+        , m_top((size.height() - state.slideHeight) / 2 - lift())
+        , m_eye(m_top + state.slideHeight / 2.0 - FlowEye::height * state.slideHeight)
         , m_pixels(size_t(size.width() * size.height()))
     {
         for (Colour& pixel : m_pixels)
@@ -41,6 +45,15 @@ public:
     static double channelOf(QRgb pixel, int c) { return pixel >> (8 * c) & 0xFF; }
 
 private:
+    static constexpr int points = 6; // of a pixel, each way
+
+    /** What all rays through one upright line of the screen have in common. */
+    struct Crossing {
+        const WidePixel* column = nullptr; // of the slide; none where they pass it
+        double reach = 0; // from the eye to the slide, the screen being at 1
+    };
+    using Crossings = std::array<Crossing, points>;
+
     void draw(const SlideInfo& slide)
     {
         const QImage* image = m_state.imageAt(slide.slideIndex);
@@ -48,56 +61,68 @@ private:
             return;
         const PictureFlowSurface surface(*image, QSize(m_state.slideWidth, m_state.slideHeight),
                                          m_state.reflectionEffect, m_state.backgroundColor);
-        for (int y = 0; y < m_size.height(); ++y)
-            for (int x = 0; x < m_size.width(); ++x)
-                drawPixel(slide, surface, x, y);
+        for (int x = 0; x < m_size.width(); ++x) {
+            Crossings crossings;
+            for (int i = 0; i < points; ++i)
+                crossings[size_t(i)] = crossing(slide, surface, x + (i + 0.5) / points);
+            if (std::any_of(crossings.begin(), crossings.end(), [](const Crossing& c) { return c.column; }))
+                for (int y = 0; y < m_size.height(); ++y)
+                    drawPixel(slide, surface, crossings, x, y);
+        }
     }
 
-    void drawPixel(const SlideInfo& slide, const PictureFlowSurface& surface, int x, int y)
+    void drawPixel(const SlideInfo& slide, const PictureFlowSurface& surface, const Crossings& crossings,
+                   int x, int y)
     {
-        constexpr int points = 6; // each way
         double sum[4] = {};
-        for (int i = 0; i < points * points; ++i) {
-            const QRgb colour =
-                hit(slide, surface, x + (i % points + 0.5) / points, y + (i / points + 0.5) / points);
-            for (int c = 0; c < 4; ++c)
-                sum[c] += channelOf(colour, c);
-        }
+        for (const Crossing& crossing : crossings)
+            for (int i = 0; i < points; ++i) {
+                const QRgb colour = hit(crossing, surface, y + (i + 0.5) / points);
+                for (int c = 0; c < 4; ++c)
+                    sum[c] += channelOf(colour, c);
+            }
         Colour& pixel = m_pixels[size_t(y * m_size.width() + x)];
         const double share = slide.blend / 256.0 / (points * points);
         for (int c = 0; c < 3; ++c)
             pixel.channel[c] = sum[c] * share + pixel.channel[c] * (1 - sum[3] * share / 255);
     }
 
-    /** What the ray from the eye through a point of the screen meets: first the place along the slide, by
-     * crossing the ray with the slide's plane seen from above, then the height. */
-    QRgb hit(const SlideInfo& slide, const PictureFlowSurface& surface, double x, double y) const
+    /** Seen from above: where the rays cross the plane of the slide. */
+    Crossing crossing(const SlideInfo& slide, const PictureFlowSurface& surface, double x) const
     {
         const double w = m_state.slideWidth;
-        const double h = m_state.slideHeight;
         const double eye = FlowEye::distance * w;
         const double angle = slide.angle * 2 * pi / 1024;
-        const double lift =
-            m_state.reflectionEffect == PictureFlow::NoReflection ? 0 : m_state.slideHeight / 4;
         const double sx = x - ((m_size.width() - m_state.slideWidth) / 2 + w / 2);
-        const double top = (m_size.height() - m_state.slideHeight) / 2 - lift;
-        const double eyeY = top + h / 2 - FlowEye::height * h;
-        // (sx, eye) * k = (cx + t cos, eye + cy + t sin)
+        // (sx, eye) * reach = (cx + t cos, eye + cy + t sin)
         const double cx = slide.cx / 1024.0;
         const double cz = eye + slide.cy / 1024.0;
         const double determinant = eye * std::cos(angle) - sx * std::sin(angle);
         const double t = (sx * cz - eye * cx) / determinant;
-        const double k = (cz + t * std::sin(angle)) / eye;
-        const double row = (y - eyeY) * k + eyeY - top;
-        if (determinant <= 0 || t < -w / 2 || t >= w / 2 || row < 0)
+        if (determinant <= 0 || t < -w / 2 || t >= w / 2)
+            return {};
+        return {surface.column(int((t + w / 2) * surface.width() / w)), (cz + t * std::sin(angle)) / eye};
+    }
+
+    /** Seen from the side: what the ray at a height of the screen meets. */
+    QRgb hit(const Crossing& crossing, const PictureFlowSurface& surface, double y) const
+    {
+        if (!crossing.column)
             return 0;
-        const int column = int((t + w / 2) * surface.width() / w);
-        const double line = row * surface.slideHeight() / h;
-        return line >= surface.height() ? 0 : narrowPixel(surface.column(column)[int(line)]);
+        const double row = (y - m_eye) * crossing.reach + m_eye - m_top;
+        const double line = row * surface.slideHeight() / m_state.slideHeight;
+        return row < 0 || line >= surface.height() ? 0 : narrowPixel(crossing.column[int(line)]);
+    }
+
+    int lift() const
+    {
+        return m_state.reflectionEffect == PictureFlow::NoReflection ? 0 : m_state.slideHeight / 4;
     }
 
     const PictureFlowState& m_state;
     QSize m_size;
+    double m_top; // of the slides, on the screen
+    double m_eye; // its height there
     std::vector<Colour> m_pixels;
 };
 
