@@ -5,7 +5,7 @@ set -euo pipefail
 
 declare -A packages=(
     [build]="g++ cmake ninja-build qt6-base-dev qt6-5compat-dev qt6-scxml-dev fonts-unifont"
-    [test]="lame eyed3 ffmpeg flac vorbis-tools net-tools librsvg2-bin python3 tshark xvfb openbox xdotool x11-utils"
+    [test]="lame eyed3 ffmpeg flac vorbis-tools iproute2 net-tools librsvg2-bin python3 tshark xvfb openbox xdotool x11-utils"
     [qt5]="qtbase5-dev"
     [check]="clang-format clang-tidy valgrind"
     [fuzz]="clang libclang-rt-dev"

@@ -5,11 +5,13 @@
 #include <QProcess>
 #include <QString>
 
+#include <climits>
 #include <csignal>
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 /**
@@ -51,9 +53,10 @@ private:
 /** Mounts that only this process sees. Each call is false where the test has no right to it. */
 class OwnMounts {
 public:
+    static constexpr const char* refused = "mounting needs the superuser's rights, all of them";
+
     OwnMounts()
-        : m_own(::unshare(CLONE_NEWNS) == 0
-                && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0)
+        : m_own(::unshare(CLONE_NEWNS) == 0 && keepToThisProcess())
     {
     }
     bool bind(const QString& source, const QString& target) const
@@ -73,6 +76,26 @@ public:
     }
 
 private:
+    /** In a changed root "/" is no mount; what it belongs to lies above. A child goes there, as none comes
+     * back. */
+    static bool keepToThisProcess()
+    {
+        const pid_t child = ::fork();
+        if (child == 0)
+            ::_exit(leaveRoot() && ::mount(nullptr, ".", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 ? 0 : 1);
+        int status = -1;
+        return child > 0 && ::waitpid(child, &status, 0) == child && status == 0;
+    }
+
+    /** A process above its own root is not held there on its way to the topmost folder. */
+    static bool leaveRoot()
+    {
+        bool done = ::chdir("/") == 0 && ::chroot("dev") == 0;
+        for (int depth = 0; depth < PATH_MAX / 2; ++depth)
+            done = done && ::chdir("..") == 0;
+        return done;
+    }
+
     bool disk(const QString& target, const QByteArray& options) const
     {
         return m_own && ::mount("tmpfs", target.toUtf8().constData(), "tmpfs", 0, options.constData()) == 0;
@@ -84,6 +107,8 @@ private:
 /** A network of this process's own while it lives, at first without "eth0". */
 class OwnNetwork {
 public:
+    static constexpr const char* refused = "a network of its own needs the superuser's rights and \"ip\"";
+
     OwnNetwork()
         : m_old(::open("/proc/self/ns/net", O_RDONLY | O_CLOEXEC))
         , m_own(::unshare(CLONE_NEWNET) == 0)

@@ -222,7 +222,7 @@ private slots:
         UnitRoot::write(source, "old");
         m_folder.write("hidden");
         if (!mounts.bind(source, m_folder.path()))
-            QSKIP("mounting needs the superuser");
+            QSKIP(OwnMounts::refused);
         QCOMPARE(writeConfig(m_folder.path(), {}), ConfigWrite::Written);
         QCOMPARE(UnitRoot::read(source), declaration + "<config/>\n");
         ::umount(m_folder.path().toUtf8().constData());
@@ -241,7 +241,7 @@ private slots:
         QFETCH(int, textBytes);
         const OwnMounts mounts;
         if (!mounts.smallDisk(m_folder.folder(), 16384))
-            QSKIP("mounting needs the superuser");
+            QSKIP(OwnMounts::refused);
         m_folder.write("old");
         UnitRoot::write(m_folder.path(QStringLiteral("filler")), QByteArray(3 * 4096, 'x'));
         LogCatcher log(4);
@@ -262,7 +262,7 @@ private slots:
     {
         const OwnMounts mounts;
         if (!mounts.diskOfFewFiles(m_folder.folder(), 3))
-            QSKIP("mounting needs the superuser");
+            QSKIP(OwnMounts::refused);
         m_folder.write("old");
         for (int i = 0; i < 3; ++i)
             QFile(m_folder.path(QString::number(i))).open(QIODevice::WriteOnly);
@@ -289,7 +289,7 @@ private slots:
         QDir(m_folder.folder()).mkpath(QStringLiteral("disk"));
         m_folder.write("hidden");
         if (!mounts.smallDisk(disk, 16384))
-            QSKIP("mounting needs the superuser");
+            QSKIP(OwnMounts::refused);
         UnitRoot::write(disk + QStringLiteral("/file"), "old");
         UnitRoot::write(disk + QStringLiteral("/filler"), QByteArray(3 * 4096, 'x'));
         QVERIFY(mounts.bind(disk + QStringLiteral("/file"), m_folder.path()));

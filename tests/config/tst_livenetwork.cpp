@@ -31,7 +31,7 @@ private slots:
     {
         const OwnNetwork network;
         if (!network.isOwn())
-            QSKIP("a network of its own needs the superuser");
+            QSKIP(OwnNetwork::refused);
         QVERIFY(!liveAddress());
     }
 
@@ -39,7 +39,7 @@ private slots:
     {
         const OwnNetwork network;
         if (!network.ip("link add eth0 type veth"))
-            QSKIP("a network of its own needs the superuser");
+            QSKIP(OwnNetwork::refused);
         QVERIFY(!liveAddress());
     }
 
@@ -47,7 +47,7 @@ private slots:
     {
         const OwnNetwork network;
         if (!network.ip("link add eth0 type veth"))
-            QSKIP("a network of its own needs the superuser");
+            QSKIP(OwnNetwork::refused);
         QVERIFY(network.ip("addr add 10.20.30.40/20 dev eth0"));
         QVERIFY(network.ip("addr add 10.99.0.1/24 dev eth0"));
         QVERIFY(network.ip("link set eth0 up"));
@@ -237,7 +237,7 @@ private slots:
     {
         const OwnNetwork network;
         if (!network.ip("link add eth0 type veth"))
-            QSKIP("a network of its own needs the superuser");
+            QSKIP(OwnNetwork::refused);
         if (QStandardPaths::findExecutable(QStringLiteral("route")).isEmpty())
             QSKIP("route is not installed");
         QVERIFY(network.ip("addr add 10.20.30.40/24 dev eth0"));

@@ -21,7 +21,7 @@ private slots:
     {
         const OwnNetwork own;
         if (!own.ip("link add eth0 type veth"))
-            QSKIP("a network of its own needs the superuser");
+            QSKIP(OwnNetwork::refused);
         QVERIFY(own.ip("addr add 10.20.30.40/20 dev eth0"));
         m_unit->writeResolv("nameserver 10.9.8.7\nnameserver 10.9.8.6\n");
         const RouteStandIn route(
@@ -40,7 +40,7 @@ private slots:
     {
         const OwnNetwork own;
         if (!own.isOwn())
-            QSKIP("a network of its own needs the superuser");
+            QSKIP(OwnNetwork::refused);
         const RouteStandIn none;
         m_unit->writeTexts("yes");
         SetupScreen form;
@@ -167,7 +167,7 @@ private slots:
     {
         const OwnNetwork own;
         if (!own.ip("link add eth0 type veth"))
-            QSKIP("a network of its own needs the superuser");
+            QSKIP(OwnNetwork::refused);
         if (QStandardPaths::findExecutable(QStringLiteral("route")).isEmpty())
             QSKIP("route is not installed");
         m_unit->writeTexts("yes");
