@@ -1,12 +1,12 @@
 #!/bin/bash
 # Rewrites fuzz/corpus: of the known inputs and those gathered by fuzz/run.sh the fewest and smallest that reach
 # as much of the program.
-#
-#     fuzz/minimize.sh [TARGET...]
+# Usage: fuzz/minimize.sh [TARGET...]
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
 cd "$(dirname "$0")/.."
 . fuzz/targets.sh
-[ $# -gt 0 ] && targets=("$@")
+choose_targets "$@"
 
 build_targets
 for target in "${targets[@]}"; do

@@ -1,17 +1,17 @@
 #!/bin/bash
-# Builds the fuzz targets, replays the known inputs of each and then lets each look for more:
-#
-#     fuzz/run.sh [SECONDS] [TARGET...]
-#
+# Builds the fuzz targets, replays the known inputs of each and then lets each look for more.
 # SECONDS is the time of each target, 30 by default, 0 for the known inputs alone; without targets it is all of
 # them. Ends with 1 at the first finding and says which file reproduces it. New inputs worth keeping gather in
 # build/fuzz/corpus; fuzz/minimize.sh takes them over into fuzz/corpus.
+# Usage: fuzz/run.sh [SECONDS] [TARGET...]
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
 cd "$(dirname "$0")/.."
 . fuzz/targets.sh
 seconds=${1:-30}
 shift || true
-[ $# -gt 0 ] && targets=("$@")
+[[ $seconds =~ ^[0-9]+$ ]] || bad_usage "no number of seconds '$seconds'"
+choose_targets "$@"
 
 build_targets
 for target in "${targets[@]}"; do

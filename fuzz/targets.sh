@@ -6,6 +6,15 @@ targets=(receive id3 flac ogg config ticker)
 # The longest input of each in bytes: room for everything that its readers look at.
 declare -A longest=([receive]=4096 [id3]=8192 [flac]=8192 [ogg]=4096 [config]=4096 [ticker]=200)
 
+# choose_targets TARGET...: `targets` are these, all when none is named.
+choose_targets() {
+    local target
+    for target in "$@"; do
+        [ -n "${longest[$target]:-}" ] || bad_usage "no target '$target', only" "${targets[@]}"
+    done
+    [ $# -eq 0 ] || targets=("$@")
+}
+
 # Builds the targets, writes their seeds and makes room in memory for the files that they write, which goes also
 # when a target dies.
 build_targets() {

@@ -1,16 +1,16 @@
 #!/bin/bash
-# Builds the panel for a board and tries it in an emulator: packaging/cross.sh armhf|arm64
+# Builds the panel for a board and tries it in an emulator.
 # The program is build/ARCH/bin/vireo.
+# Usage: packaging/cross.sh armhf|arm64
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
 cd "$(dirname "$0")/.."
 
 declare -A emulators=([armhf]=qemu-arm-static [arm64]=qemu-aarch64-static)
 arch=${1:-}
 emulator=${emulators[${arch:-none}]:-}
-if [ -z "$emulator" ]; then
-    echo "Usage: packaging/cross.sh armhf|arm64" >&2
-    exit 1
-fi
+[ $# -eq 1 ] || bad_usage "takes one architecture"
+[ -n "$emulator" ] || bad_usage "no architecture '$arch'"
 
 # What depends on the width of a size, the sign of a character, alignment and byte order, the modes, and one journey. The
 # emulator lacks the call with which the toolkit starts programs, so nothing here can restart a network.

@@ -1,7 +1,10 @@
 #!/bin/bash
 # Builds the panel and its stand-in supervisor with the distribution's flags and makes their Debian packages, for the
 # release that it runs on, in build/package.
+# Usage: packaging/make-deb.sh
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
+no_words "$@"
 cd "$(dirname "$0")/.."
 
 tools/setup.sh build package

@@ -1,10 +1,13 @@
 #!/bin/bash
 # Lays out what a board of the named Debian architecture has to build and run against, under build/sysroot/ARCH.
 # The packages are only downloaded and unpacked: nothing is installed on this machine, and no rights are needed.
-# Usage: packaging/sysroot.sh ARCH
+# Usage: packaging/sysroot.sh armhf|arm64
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
 cd "$(dirname "$0")/.."
+[ $# -eq 1 ] || bad_usage "takes one architecture"
 arch=$1
+[[ $arch =~ ^(armhf|arm64)$ ]] || bad_usage "no architecture '$arch'"
 
 packages=(libc6-dev libstdc++6 qt6-base-dev qt6-5compat-dev qt6-scxml-dev qt6-qpa-plugins fonts-unifont)
 sysroot=$PWD/build/sysroot/$arch

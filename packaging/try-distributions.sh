@@ -4,6 +4,7 @@
 # Needs root, debootstrap, the network for apt, TCP port 5000, 10 GB in build/distributions for each release, and hours.
 # The roots are laid anew; they, the logs and the table stay there. The status is 0 when all passed everywhere.
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
 cd "$(dirname "$0")/.."
 
 # On the desk everything is built; the board has nothing but the packages and what they pull in.
@@ -18,6 +19,9 @@ tries=(
 )
 releases=("${@:-bookworm}")
 [ $# -gt 0 ] || releases+=(trixie)
+for release in "${releases[@]}"; do
+    [[ $release =~ ^(bookworm|trixie)$ ]] || bad_usage "no release '$release'"
+done
 place=$PWD/build/distributions
 declare -A verdicts=()
 

@@ -2,6 +2,9 @@
 # Starts a panel without a display on an empty unit, asks it for its mode and ends it.
 # Usage: packaging/try-panel.sh COMMAND..., for example packaging/try-panel.sh /usr/bin/vireo
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
+[ $# -gt 0 ] || bad_usage "takes the command that starts the panel"
+command -v "$1" >/dev/null || bad_usage "no program '$1'"
 
 folder=$(mktemp -d)
 VIREO_ROOT=$folder QT_QPA_PLATFORM=offscreen "$@" &

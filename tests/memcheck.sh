@@ -1,6 +1,9 @@
 #!/bin/bash
 # Plays the demo's scripts to the real panel under valgrind. The default preset must have been built.
+# Usage: tests/memcheck.sh
 set -euo pipefail
+. "$(dirname "$0")/../tools/usage.sh"
+no_words "$@"
 cd "$(dirname "$0")/.."
 
 logs=$PWD/build/memcheck

@@ -1,7 +1,10 @@
 #!/bin/bash
 # Makes the README's pictures from the real programs: docs/front.png, panel and stand-in side by side while a track plays,
 # and docs/menu.gif, the menu turning. Needs the default build, Xvfb, xdotool and ffmpeg (tools/setup.sh test).
+# Usage: tools/readme-pictures.sh
 set -euo pipefail
+. "$(dirname "$0")/usage.sh"
+no_words "$@"
 cd "$(dirname "$0")/.."
 
 work=$(mktemp -d)

@@ -1,7 +1,9 @@
 #!/bin/bash
 # Installs the Debian packages that the named purposes need and that are not there yet: build, test, qt5, check,
 # fuzz, package, cross, bench, unit. Does nothing, and asks for no rights, when all are there.
+# Usage: tools/setup.sh PURPOSE...
 set -euo pipefail
+. "$(dirname "$0")/usage.sh"
 
 declare -A packages=(
     [build]="g++ cmake ninja-build qt6-base-dev qt6-5compat-dev qt6-scxml-dev fonts-unifont"
@@ -16,6 +18,9 @@ declare -A packages=(
 )
 
 missing=()
+for purpose in "$@"; do
+    [ -n "${packages[$purpose]:-}" ] || bad_usage "no purpose '$purpose'"
+done
 for purpose in "$@"; do
     for package in ${packages[$purpose]}; do
         dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q "ok installed" || missing+=("$package")

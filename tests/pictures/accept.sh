@@ -2,7 +2,10 @@
 # Takes the pictures of every screen anew and accepts those that differ: look at them before you commit.
 # A picture with letters that versions of the face draw differently stands in a folder for each version, not beside
 # the folders; accept it with every version, that is, on every release.
+# Usage: tests/pictures/accept.sh
 set -euo pipefail
+. "$(dirname "$0")/../../tools/usage.sh"
+no_words "$@"
 cd "$(dirname "$0")/../.."
 
 cmake --preset default

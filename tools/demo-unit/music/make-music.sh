@@ -1,8 +1,11 @@
 #!/bin/sh
 # Makes the sample music: a few quiet tones in each of the three formats, with tags and covers of our own.
 # Needs ffmpeg, lame, flac, metaflac, oggenc, rsvg-convert and convert (ImageMagick).
+# Usage: tools/demo-unit/music/make-music.sh
 set -eu
 export LC_ALL=C.UTF-8 # the tags below are UTF-8
+. "$(dirname "$0")/../../../tools/usage.sh"
+no_words "$@"
 cd "$(dirname "$0")"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
