@@ -89,7 +89,7 @@ def play(panel, path, seconds):
     panel.send(DISK_STAT, bytes([DISK_NORMAL]))
     panel.send(DISK_INFO, struct.pack("<HH", 1, 1))
     panel.send(MODE, bytes([PLAY_ALL]))
-    panel.send(FILENAME, os.fsencode(os.path.abspath(path)))
+    panel.send(FILENAME, os.fsencode(path))
     for second in range(seconds):
         panel.send(TIME, bytes([bcd(second // 3600), bcd(second // 60 % 60), bcd(second % 60)]))
         for level in (20, 200, 90, 5):
@@ -102,9 +102,12 @@ def play(panel, path, seconds):
 def main():
     if len(sys.argv) not in (3, 4):
         sys.exit(__doc__)
+    path = os.path.realpath(sys.argv[2])
+    if not os.path.exists(path):
+        sys.exit("supervisor.py: no such file")
     panel = Panel(sys.argv[1])
     print("before:", MODES.get(panel.mode(), "unknown"))
-    play(panel, sys.argv[2], int(sys.argv[3]) if len(sys.argv) == 4 else 5)
+    play(panel, path, int(sys.argv[3]) if len(sys.argv) == 4 else 5)
     print("after:", MODES.get(panel.mode(), "unknown"))
 
 

@@ -33,10 +33,10 @@ private:
         QTest::newRow("C") << QStringList{QStringLiteral(EXAMPLE_PROGRAM)} << "before: 255\n"
                            << "after: 1\n";
     }
-    /** Plays the file for no time at all. */
-    static SupervisorRun play(QStringList command)
+    /** Plays a file for no time at all. */
+    static SupervisorRun play(QStringList command, const QString& file = music)
     {
-        command << QStringLiteral("127.0.0.1") << music << QStringLiteral("0");
+        command << QStringLiteral("127.0.0.1") << file << QStringLiteral("0");
         const QString program = command.takeFirst();
         return runProgram(program, command);
     }
@@ -79,6 +79,19 @@ private slots:
         QCOMPARE(run.err, QString());
         QVERIFY2(run.out.endsWith(after), qPrintable(run.out));
         QVERIFY(count(panel, "receive cmd[0005] length[0001]") == 2); // that key and the one at the end
+    }
+
+    /** Without a panel, too: the file is looked for first. */
+    void oneSaysThatAFileIsMissing_data() { addExamples(); }
+    void oneSaysThatAFileIsMissing()
+    {
+        QFETCH(QStringList, command);
+        const SupervisorRun run = play(command, QStringLiteral("/no/such/file"));
+        QVERIFY2(run.err.startsWith(QLatin1String("supervisor")), qPrintable(run.err));
+        QVERIFY2(run.err.endsWith(QLatin1String(": no such file\n")), qPrintable(run.err));
+        QCOMPARE(run.err.count(QLatin1Char('\n')), 1);
+        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.out, QString());
     }
 
     /** Enough that dozens would be lost if a fast sender did not wait for answers. */
