@@ -4,12 +4,15 @@
 #include "tools/supervisor/bytetext.h"
 #include "tools/supervisor/commandline.h"
 #include "tools/supervisor/lampswitch.h"
+#include "tools/supervisor/linkbar.h"
 
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -258,6 +261,30 @@ private slots:
         QVERIFY(stage.log().endsWith(QLatin1String("# station: the title was cut to 255 bytes")));
         stage.child<QPushButton>("aoe ok")->click();
         QVERIFY(!remark->isVisible());
+    }
+
+    void longestFootLeavesTheFrontItsPlace_data()
+    {
+        QTest::addColumn<QSize>("room"); // beside the panel, in the frame of a window manager
+        QTest::newRow("640x480") << QSize(308, 448);
+        QTest::newRow("800x480") << QSize(468, 448);
+    }
+    void longestFootLeavesTheFrontItsPlace()
+    {
+        QFETCH(QSize, room);
+        Stage stage;
+        stage.window.resize(room);
+        auto* foot = stage.window.findChild<LinkBar*>();
+        const int least = foot->height();
+        const QString text = QStringLiteral("another supervisor ").repeated(20);
+        foot->showLink(LinkBar::State::Replaced, text);
+        foot->showRemark(text.simplified().remove(QLatin1Char(' '))); // as a path, without a place to break
+        QTRY_VERIFY(foot->height() >= least + 3 * foot->fontMetrics().height());
+        const auto* front = stage.window.findChild<QScrollArea*>(QString(), Qt::FindDirectChildrenOnly);
+        QCOMPARE(front->verticalScrollBar()->maximum(), 0);
+        QCOMPARE(front->horizontalScrollBar()->maximum(), 0);
+        QCOMPARE(stage.window.size(), room);
+        QCOMPARE(stage.child<QLabel>("remark")->toolTip(), stage.text("remark"));
     }
 
     void streamsHaveALevelWhileTheirSourceIsOn()

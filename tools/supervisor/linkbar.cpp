@@ -1,6 +1,7 @@
 #include "tools/supervisor/linkbar.h"
 
 #include "tools/supervisor/look.h"
+#include "tools/supervisor/shorttext.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -10,39 +11,33 @@
 namespace {
 
 constexpr int margin = 6;
+constexpr int linkLines = 3;
+constexpr int remarkLines = 2;
 
 /** In the order of LinkBar::State. */
 constexpr QRgb colours[] = {Look::lit, Look::warning, Look::warning, Look::failure};
 
-QLabel* label(const char* name, const QString& accessibleName, QRgb colour)
+void dress(QLabel* label, const char* name, const QString& accessibleName, QRgb colour)
 {
-    auto* result = new QLabel;
-    result->setObjectName(QString::fromLatin1(name));
-    result->setAccessibleName(accessibleName);
-    result->setTextFormat(Qt::PlainText);
-    QPalette palette = result->palette();
+    label->setObjectName(QString::fromLatin1(name));
+    label->setAccessibleName(accessibleName);
+    label->setTextFormat(Qt::PlainText);
+    QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, QColor(colour));
-    result->setPalette(palette);
-    return result;
-}
-
-/** Takes the width that is left, in as many lines as that needs. */
-void wrap(QLabel* label)
-{
-    label->setWordWrap(true);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    label->setPalette(palette);
 }
 
 } // namespace
 
 LinkBar::LinkBar(QWidget* parent)
     : QWidget(parent)
+    , m_link(new ShortText(linkLines))
+    , m_mode(new QLabel)
+    , m_remark(new ShortText(remarkLines))
 {
-    m_link = label("link", tr("Link to the panel"), Look::quiet);
-    wrap(m_link);
-    m_mode = label("mode", tr("The panel's mode"), Look::lit);
-    m_remark = label("remark", tr("What could not be done"), Look::warning);
-    wrap(m_remark);
+    dress(m_link, "link", tr("Link to the panel"), Look::quiet);
+    dress(m_mode, "mode", tr("The panel's mode"), Look::lit);
+    dress(m_remark, "remark", tr("What could not be done"), Look::warning);
     m_remark->hide();
     auto* connectButton = new QPushButton(tr("Connect no&w"));
     connectButton->setObjectName(QStringLiteral("connect"));
@@ -50,6 +45,7 @@ LinkBar::LinkBar(QWidget* parent)
     connect(connectButton, &QPushButton::clicked, this, &LinkBar::connectWanted);
     auto* layout = new QGridLayout(this);
     layout->setContentsMargins(lampSide() + 2 * margin, margin / 2, margin, margin / 2);
+    layout->setVerticalSpacing(margin / 2);
     layout->setColumnStretch(0, 1);
     layout->addWidget(m_remark, 0, 0, 1, -1);
     layout->addWidget(m_link, 1, 0);
@@ -60,7 +56,7 @@ LinkBar::LinkBar(QWidget* parent)
 void LinkBar::showLink(State state, const QString& text)
 {
     m_state = state;
-    m_link->setText(text);
+    m_link->say(text);
     update();
 }
 
@@ -71,7 +67,7 @@ void LinkBar::showMode(const QString& mode)
 
 void LinkBar::showRemark(const QString& text)
 {
-    m_remark->setText(text);
+    m_remark->say(text);
     m_remark->setVisible(!text.isEmpty());
 }
 

@@ -3,6 +3,7 @@
 #include <QWidget>
 
 class QLabel;
+class ShortText;
 
 /**
  * The foot of the window: whether the panel listens, in which mode it is, a button to connect, and above them
@@ -32,7 +33,7 @@ private:
     int lampSide() const;
 
     State m_state = State::Waiting;
-    QLabel* m_link = nullptr;
-    QLabel* m_mode = nullptr;
-    QLabel* m_remark = nullptr;
+    ShortText* m_link;
+    QLabel* m_mode;
+    ShortText* m_remark;
 };

@@ -48,7 +48,7 @@ public:
     QSize sizeHint() const override { return minimumSizeHint(); }
     QSize minimumSizeHint() const override
     {
-        constexpr int leastLines = 9;
+        constexpr int leastLines = 6; // with the foot at its highest, a display of 640x480 has room for that
         return {0, leastLines * fontMetrics().height()};
     }
 };
