@@ -27,6 +27,7 @@ int showWindow(const CommandLine& commandLine)
         window.openMusic(commandLine.music);
     window.fitToScreen(commandLine.place);
     window.show();
+    window.activateWindow(); // without a window manager nobody else gives it the keyboard
     return QApplication::exec();
 }
 

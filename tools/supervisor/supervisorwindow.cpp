@@ -261,7 +261,7 @@ void SupervisorWindow::showReplaced(bool surely)
 {
     const QString text = surely
         ? tr("Another program has the link to %1; the next key takes it back")
-        : tr("No answer from %1, another program may have the link; the next key takes it back");
+        : tr("No answer, maybe another program has the link to %1; the next key takes it back");
     m_bar->showMode({});
     m_bar->showLink(LinkBar::State::Replaced, text.arg(m_link.address()));
     note(QStringLiteral("# ") + tr("replaced by another program"));
