@@ -166,6 +166,7 @@ private slots:
             fire(stage.timer("answer"));
         QCOMPARE(stage.panel.connections, 2);
         other.reset();
+        fire(stage.timer("answer"));
         QTRY_COMPARE(stage.panel.connections, 3);
         QVERIFY(stage.isUp());
     }
