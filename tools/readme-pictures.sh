@@ -16,17 +16,21 @@ cp -r tools/demo-unit/root "$VIREO_ROOT"
     echo "device usb"
     echo "key long-select"
     echo "wait 50"
-    for entry in 1 2 3 4; do
-        for step in 0 1 2 3; do
-            echo "picture menu-$entry-$step"
-            [ $step -gt 0 ] || echo "enc 1"
+    echo "picture menu-1"
+    for entry in 2 3 4 5; do
+        echo "enc 1"
+        for frame in 0 1 2 3 4; do
             echo "wait 150"
+            echo "picture menu-$entry$frame"
         done
     done
-    echo "picture menu-5-0"
+    for frame in 0 1 2 3 4 5 6 7 8 9; do # until the last one all but rests
+        echo "wait 150"
+        echo "picture menu-6$frame"
+    done
 } >"$work/menu.txt"
 QT_QPA_PLATFORM=offscreen build/default/bin/vireo-tour "$work/menu.txt" "$work/menu" >/dev/null
-ffmpeg -v error -y -framerate 5 -pattern_type glob -i "$work/menu/menu-*.png" \
+ffmpeg -v error -y -framerate 20/3 -pattern_type glob -i "$work/menu/menu-*.png" \
     -vf "split[a][b];[a]palettegen=max_colors=128[p];[b][p]paletteuse=dither=none" docs/menu.gif
 
 size=1056x536
