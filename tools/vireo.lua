@@ -1,35 +1,70 @@
 -- Shows the supervisor link of the front panel in names instead of bytes: TCP port 5000, both directions.
 --     wireshark -X lua_script:vireo.lua
--- or put this file into the folder of personal Lua plugins (Help, About, Folders). The words are vireo-supervisor's.
+-- or put this file and vocabulary.h into the folder of personal Lua plugins (Help, About, Folders). The words are
+-- vireo-supervisor's: they are read from the panel's own vocabulary, which lies beside this file or in ../link.
 
-local commands = {
-    [1] = "file", [2] = "time", [3] = "mode", [4] = "level", [5] = "key", [6] = "disk-state", [7] = "device",
-    [8] = "station", [9] = "reserved", [10] = "disk", [11] = "enc", [12] = "url", [13] = "request", [14] = "dhcp",
-    [15] = "upgrade", [16] = "upgrade-message", [17] = "aoe",
-}
-local keys = {
-    [0x01] = "stop", [0x02] = "play-pause", [0x03] = "prev", [0x04] = "next", [0x05] = "mode", [0x06] = "select",
-    [0x07] = "esc",
-    [0x81] = "long-stop", [0x82] = "long-play-pause", [0x83] = "long-prev", [0x84] = "long-next", [0x85] = "long-mode",
-    [0x86] = "long-select", [0x87] = "long-esc",
-}
-local diskStates = { [1] = "normal", [3] = "removed" }
-local sources = { { 0x01, "usb" }, { 0x02, "stream" }, { 0x04, "aux" }, { 0x08, "ir" }, { 0x10, "aoe" } }
-local playTypes = { [0] = "one", [1] = "all", [2] = "folder" }
-local dhcpSteps = { [2] = "done" }
-local upgradeSteps = { [1] = "start", [2] = "fail" }
-local aoeStates = { [0] = "stop", [1] = "ok", [2] = "fail", [3] = "over" }
-local modes = {
-    [0] = "menu", [1] = "usb", [2] = "aoe", [3] = "radio-list", [4] = "radio", [5] = "netbgm", [6] = "setup",
-    [7] = "dhcp", [255] = "none",
-}
+local function readVocabulary()
+    local here = debug.getinfo(1, "S").source:gsub("^@", ""):match("^.*/") or "./"
+    for _, folder in ipairs({ here, here .. "../link/" }) do
+        local file = io.open(folder .. "vocabulary.h")
+        if file then return file:read("*a"):gsub("//[^\n]*", ""), file:close() end
+    end
+    error("vireo.lua needs vocabulary.h beside it")
+end
 
-local port, headerBytes, titleBytes, askForMode = 5000, 4, 256, 8
-local firstCommand, lastCommand, modeReport, urlText = 1, #commands, 13, 12
+local vocabulary = readVocabulary()
+
+-- The numbers of every enumerator, as the compiler counts them: codes.Key.Stop.
+local codes = {}
+for name, body in vocabulary:gmatch("enum class (%w+) : %w+ (%b{})") do
+    local code = -1
+    codes[name] = {}
+    for enumerator, value in body:gmatch("(%w+)%s*=?%s*(%w*)") do
+        code = tonumber(value) or code + 1
+        codes[name][enumerator] = code
+    end
+end
+
+local function number(written)
+    local kind, enumerator = written:match("^(%w+)::(%w+)$")
+    return kind and codes[kind][enumerator] or tonumber(written)
+        or tonumber(vocabulary:match("constexpr quint8 " .. written .. " = (%w+);"))
+end
+
+-- The terms of one kind in their order: the number and the word of each.
+local function terms(kind)
+    local all = {}
+    for value, word in vocabulary:match("constexpr Term " .. kind .. "%[%] = (%b{});"):gmatch('{([%w:]+), "([^"]+)"') do
+        all[#all + 1] = { number(value), word }
+    end
+    return all
+end
+
+local function wordOf(all, value, ifNone)
+    for _, term in ipairs(all) do
+        if term[1] == value then return term[2] end
+    end
+    return ifNone
+end
+
+local commands, names = {}, {}
+for row in vocabulary:match("constexpr CommandRow commands%[%] = {(.-)};"):gmatch("%b{}") do
+    local command, name, word = row:match('Command::(%w+),%s*"(%w+)",%s*"?([%w-]+)')
+    local code = codes.Command[command]
+    names[code] = word == "nullptr" and name or word
+    commands[code] = {
+        terms = row:match("{(%w+)}}") and terms(row:match("{(%w+)}}")),
+        least = tonumber(row:match('{{},%s*"%w+",%s*(%-?%d+)')),
+    }
+end
+local modes, longPress = terms("modes"), number("longPress")
+local playFlags, playTypes, playTypeValues = terms("playFlags"), terms("playTypes"), number("playTypeBits") + 1
+
+local port, headerBytes, titleBytes = 5000, 4, 256
 
 local link = Proto("vireo", "Front-panel supervisor link")
 local fields = {
-    command = ProtoField.uint16("vireo.command", "Command", base.DEC, commands),
+    command = ProtoField.uint16("vireo.command", "Command", base.DEC, names),
     length = ProtoField.uint16("vireo.length", "Data bytes"),
     data = ProtoField.bytes("vireo.data", "Data"),
     words = ProtoField.string("vireo.words", "In words"),
@@ -38,13 +73,11 @@ local fields = {
 }
 link.fields = fields
 
--- Each takes the data of a packet, which is not empty, and says it in words.
+-- Each takes the data of a packet, which is not empty, and says it in words; `all` are the terms of its command.
 
-local function named(names)
-    return function(data)
-        local byte = data(0, 1):uint()
-        return names[byte] or string.format("(0x%02X)", byte)
-    end
+local function named(data, all)
+    local byte = data(0, 1):uint()
+    return wordOf(all, byte, string.format("(0x%02X)", byte))
 end
 
 local function text(data)
@@ -53,21 +86,30 @@ local function text(data)
 end
 
 local function isSet(byte, bit)
-    return math.floor(byte / bit) % 2 == 1
+    return bit > 0 and math.floor(byte / bit) % 2 == 1
 end
 
-local function mask(data)
-    local byte, names = data(0, 1):uint(), {}
-    for _, source in ipairs(sources) do
-        if isSet(byte, source[1]) then names[#names + 1] = source[2] end
+local function key(data, all)
+    local byte = data(0, 1):uint()
+    local held = byte >= longPress
+    local word = wordOf(all, held and byte - longPress or byte)
+    return word and (held and "long-" or "") .. word or string.format("(0x%02X)", byte)
+end
+
+local function mask(data, all)
+    local byte, said = data(0, 1):uint(), {}
+    for _, term in ipairs(all) do
+        if isSet(byte, term[1]) then said[#said + 1] = term[2] end
     end
-    return #names == 0 and "none" or table.concat(names, " ")
+    return #said == 0 and wordOf(all, 0) or table.concat(said, " ")
 end
 
 local function playMode(data)
-    local byte = data(0, 1):uint()
-    return (isSet(byte, 0x04) and "repeat " or "") .. (isSet(byte, 0x08) and "shuffle " or "")
-        .. (playTypes[byte % 4] or "(type 3)")
+    local byte, said = data(0, 1):uint(), ""
+    for _, flag in ipairs(playFlags) do
+        if isSet(byte, flag[1]) then said = said .. flag[2] .. " " end
+    end
+    return said .. wordOf(playTypes, byte % playTypeValues, "(type 3)")
 end
 
 local function playTime(data)
@@ -86,22 +128,28 @@ local function station(data)
     return title .. (data:len() > titleBytes and " " .. text(data(titleBytes)) or "")
 end
 
-local function request(data, fromPanel)
+local function request(data, _, fromPanel)
     local byte = data(0, 1):uint()
-    if fromPanel then return modes[byte] or string.format("(%d)", byte) end
-    return byte == askForMode and "" or string.format("(%d)", byte)
+    if fromPanel then return wordOf(modes, byte, string.format("(%d)", byte)) end
+    return byte == codes.Request.Mode and "" or string.format("(%d)", byte)
 end
 
 local sayers = {
-    [1] = text, [2] = playTime, [3] = playMode, [4] = function(data) return data(0, 1):uint() end,
-    [5] = named(keys), [6] = named(diskStates), [7] = mask, [8] = station, [10] = disk,
-    [11] = function(data) return data(0, 1):int() end, [12] = text, [13] = request, [14] = named(dhcpSteps),
-    [15] = named(upgradeSteps), [16] = text, [17] = named(aoeStates),
+    Filename = text, Time = playTime, Mode = playMode, Key = key, Device = mask, IRStation = station, DiskInfo = disk,
+    UrlText = text, Request = request, UpgradeMsg = text,
 }
+for command, say in pairs(sayers) do commands[codes.Command[command]].say = say end
+
+-- Other commands have one byte: a term, or a number.
+local function sayByte(data, all, _, least)
+    if all then return named(data, all) end
+    return least and (least < 0 and data(0, 1):int() or data(0, 1):uint()) or ""
+end
 
 local function say(command, data, fromPanel)
-    local name = fromPanel and command == modeReport and "report" or commands[command]
-    local said = sayers[command] and data:len() > 0 and sayers[command](data, fromPanel) or ""
+    local row = commands[command]
+    local name = fromPanel and command == codes.Command.Request and "report" or names[command]
+    local said = data:len() > 0 and (row.say or sayByte)(data, row.terms, fromPanel, row.least) or ""
     return said == "" and name or name .. " " .. said
 end
 
@@ -109,7 +157,7 @@ local function addPacket(buffer, tree, fromPanel)
     local command, length = buffer(0, 2):le_uint(), buffer(2, 2):le_uint()
     local here = math.min(length, buffer:len() - headerBytes)
     -- The length of this one counts characters and not the zero byte behind them.
-    if command == urlText then here = buffer:len() - headerBytes end
+    if command == codes.Command.UrlText then here = buffer:len() - headerBytes end
     local data = buffer(headerBytes, here)
     local words = say(command, data, fromPanel)
     local branch = tree:add(link, buffer(0, headerBytes + here), "Packet: " .. words)
@@ -125,7 +173,7 @@ end
 local function fits(buffer, at)
     if buffer:len() - at <= headerBytes then return false end
     local command, length = buffer(at, 2):le_uint(), buffer(at + 2, 2):le_uint()
-    return command >= firstCommand and command <= lastCommand and length > 0 and length <= buffer:len() - at
+    return commands[command] and length > 0 and length <= buffer:len() - at
 end
 
 function link.dissector(chunk, info, tree)

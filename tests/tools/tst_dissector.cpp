@@ -58,8 +58,10 @@ QList<QStringList> dissected(const QList<Chunk>& chunks)
     output(QStringLiteral("text2pcap"),
            {QStringLiteral("-q"), QStringLiteral("-D"), QStringLiteral("-T"),
             QStringLiteral("40000,%1").arg(linkPort), text, capture});
+    const QString words = folder.path(QStringLiteral("/vocabulary.h"));
     UnitRoot::write(script, UnitRoot::read(QStringLiteral(VIREO_SOURCE_DIR "/tools/vireo.lua")));
-    for (const QString& path : {folder.path(QString()), capture, script})
+    UnitRoot::write(words, UnitRoot::read(QStringLiteral(VIREO_SOURCE_DIR "/link/vocabulary.h")));
+    for (const QString& path : {folder.path(QString()), capture, script, words})
         letAllRead(path);
     QStringList arguments{QStringLiteral("-n"),
                           QStringLiteral("-r"),
@@ -152,19 +154,14 @@ private slots:
         QCOMPARE(wordsIn(chunks), expected);
     }
 
-    /** A command that is newer than the dissector shows as junk until it has its name there. */
     void wordsAreTheVocabularys()
     {
         const auto said = vocabulary();
         QList<Chunk> chunks;
         for (const QByteArray& packet : said.keys())
             chunks << Chunk{false, packet};
-        const QStringList shown = wordsIn(chunks);
-        QCOMPARE(shown.size(), said.size());
-        for (int i = 0; i < shown.size(); ++i)
-            if (!shown.at(i).isEmpty())
-                QCOMPARE(shown.at(i), said.values().at(i));
-        QVERIFY(shown.size() - shown.count(QString()) > 30);
+        QVERIFY(chunks.size() > 30);
+        QCOMPARE(wordsIn(chunks), QStringList(said.values()));
     }
 
     void modesAreTheVocabularys()
