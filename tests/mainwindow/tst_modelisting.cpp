@@ -1,8 +1,11 @@
+#include "screens/menuform.h"
 #include "tests/mainwindow/listing.h"
 #include "tests/mainwindow/panel.h"
 #include "tests/support/ownport.h"
+#include "tests/support/signalrecorder.h"
 #include "widgets/pictureflow.h"
 
+#include <QDir>
 #include <QHistoryState>
 #include <QSignalTransition>
 #include <QState>
@@ -122,6 +125,30 @@ QString stackLines(const Panel& panel)
     return block(QStringLiteral("stack"), names) + QLatin1Char('\n');
 }
 
+QString iconName(const QImage& slide)
+{
+    const QDir icons(QStringLiteral(":/menuicon/image"));
+    for (const QString& name : icons.entryList())
+        if (QImage(icons.filePath(name)) == slide)
+            return name;
+    return {};
+}
+
+/** The entries of the menu: the slide of each and the signal of its choice. */
+QString menuLines()
+{
+    MenuForm menu;
+    SignalRecorder recorder(&menu);
+    const auto* flow = menu.findChild<PictureFlow*>();
+    QStringList lines;
+    for (int i = 0; i < flow->slideCount(); ++i) {
+        menu.setCurrentIdx(MENUIDX(i));
+        menu.select_action();
+        lines << iconName(flow->slide(i)) + QStringLiteral(": ") + recorder.take().join(QLatin1Char(' '));
+    }
+    return block(QStringLiteral("menu"), lines) + QLatin1Char('\n');
+}
+
 QString modeLines(const QString& mode, const QMap<QString, QString>& always)
 {
     Panel panel;
@@ -149,7 +176,7 @@ QString modeLines(const QString& mode, const QMap<QString, QString>& always)
 QString listing()
 {
     Panel panel;
-    QString text = stackLines(panel) + machineLines(panel) + QLatin1Char('\n');
+    QString text = stackLines(panel) + menuLines() + machineLines(panel) + QLatin1Char('\n');
     const QStringList modes = panel.waysTo().keys();
     const auto always = connections(panel);
     text += block("connected in every mode", connectedBeside({}, always));
