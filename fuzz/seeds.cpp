@@ -1,3 +1,4 @@
+#include "app/limits.h"
 #include "link/packet.h"
 #include "tests/tags/jpegbuilder.h"
 
@@ -82,6 +83,9 @@ QByteArray anyCharacters(int count)
         text += QChar(ushort(1 + i * 40503));
     return text.toUtf8();
 }
+
+/** More than a text of a tag is read to. */
+constexpr int tooManyCharacters = limits::textCharacters + 1000;
 
 void sessionSeeds()
 {
@@ -202,6 +206,8 @@ void id3Seeds()
     mp3(id3v2Claiming(0x0FFFFFFF, frameClaiming("TIT2", 0x7FFFFFFF, pictureFrame("image/png", "x"))));
     mp3(id3v2(pictureFrame("image/jpeg", smallImage("JPEG"))));
     mp3(id3v2(pictureFrame("image/jpg", smallImage("JPEG"), "front")));
+    for (const char encoding : {0, 1, 3})
+        mp3(id3v2(textFrame("TALB", encoding, anyCharacters(tooManyCharacters)) + texts));
 }
 
 void flacSeeds()
@@ -222,6 +228,10 @@ void flacSeeds()
         flac(flacBlock(Picture, flacPicture("image/jpeg", image), true));
     flac(flacBlock(Padding, "1").repeated(300) + flacBlock(Comment, comments, true));
     flac(flacBlock(Comment, vorbisClaiming("v", 100, {}) + QByteArray(400, '\0'), true));
+    flac(flacBlock(Comment, vorbisComments({"TITLE=" + QByteArray("가").repeated(tooManyCharacters)}), true));
+    for (const int blocks : {limits::flacBlocks, limits::flacBlocks + 1})
+        flac(flacBlock(Comment, comments) + flacBlock(Padding, "1").repeated(blocks - 2)
+             + flacBlock(Picture, flacPicture("image/png", smallImage("PNG"), "front"), true));
     seed("flac", QStringLiteral("stream-only"), flacStart(true));
     seed("flac", QStringLiteral("short-first-block"),
          "fLaC" + flacBlock(StreamInfo, "1") + flacBlock(Comment, comments, true));
@@ -243,6 +253,8 @@ void oggSeeds()
     ogg(oggPage({"."}).repeated(60) + oggPage({oggComment(comments)}));
     ogg((oggHeader(lacing({1, 1})) + '.').repeated(60));
     ogg(start.left(60));
+    ogg(start
+        + oggPage({oggComment(vorbisComments({"ALBUM=" + QByteArray("가").repeated(tooManyCharacters)}))}));
 }
 
 void configSeeds()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/limits.h"
 #include "tags/coverpicture.h"
 
 #include <QByteArray>
@@ -199,7 +200,7 @@ private:
         const int encoding = content.isEmpty() ? 0 : quint8(content.at(0));
         const char* codec = encoding == 0 ? "euc-kr" : encoding == 1 ? "UTF-16" : "UTF-8";
         const std::unique_ptr<QTextDecoder> decoder(QTextCodec::codecForName(codec)->makeDecoder());
-        const QString text = decoder->toUnicode(content.mid(1));
+        const QString text = decoder->toUnicode(content.mid(1)).left(limits::textCharacters);
         const QByteArray shown = asCString(text.toUtf8());
         if (encoding == 0)
             print('I', "[ID3] MP3 Tag ( latin01 ) [ " + shown + " ] ");
@@ -252,7 +253,7 @@ private:
     {
         if (parts.at(0).compare(QLatin1String(key), Qt::CaseInsensitive) != 0)
             return;
-        *field = parts.at(1);
+        *field = parts.at(1).left(limits::textCharacters);
         print('I', tag + key + " - " + asCString(field->toLatin1()));
     }
 
@@ -275,7 +276,11 @@ private:
             buffer += read(4 - buffer.size());
         }
         QByteArray comments, image;
-        while (!last) {
+        for (int count = 1; !last; ++count) {
+            if (count > limits::flacBlocks) {
+                print('W', "[FLAC] more than " + QByteArray::number(limits::flacBlocks) + " blocks");
+                break;
+            }
             const int flags = buffer.isEmpty() ? 0 : quint8(buffer.at(0));
             const qint64 size = big(cut(buffer, 1, 3));
             if (size == 0) {
