@@ -13,7 +13,7 @@ declare -A packages=(
     [fuzz]="clang libclang-rt-dev"
     [package]="dpkg-dev fakeroot lintian"
     [cross]="g++-arm-linux-gnueabihf g++-aarch64-linux-gnu qemu-user-static dpkg-dev"
-    [bench]="libbenchmark-dev libtag1-dev lcdproc"
+    [bench]="libbenchmark-dev libtag1-dev lcdproc pkgconf"
     [unit]="mmdebstrap e2fsprogs kmod cpio dpkg-dev fakeroot qemu-system-x86 qemu-system-arm qemu-system-gui dosfstools mtools python3"
 )
 
