@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -29,6 +31,18 @@ QStringList anchors(const QString& page)
     for (const QString& heading : Document(page).headings())
         found << Document::anchorOf(heading);
     return found;
+}
+
+/** Where the links of a page lead within the project. */
+QStringList links(const QString& text)
+{
+    static const QRegularExpression link(QStringLiteral("\\]\\(([^)\\s]+)\\)|(?:src|href)=\"([^\"]+)\""));
+    QStringList found;
+    for (auto matches = link.globalMatch(text); matches.hasNext();) {
+        const QRegularExpressionMatch match = matches.next();
+        found << match.captured(1) + match.captured(2);
+    }
+    return found.filter(QRegularExpression(QStringLiteral("^(?!.*://)")));
 }
 
 void addPages()
@@ -63,13 +77,7 @@ private slots:
     void linksLeadSomewhere()
     {
         QFETCH(QString, page);
-        static const QRegularExpression link(QStringLiteral("\\]\\(([^)\\s]+)\\)|(?:src|href)=\"([^\"]+)\""));
-        const QString text = Document(page).text();
-        for (auto matches = link.globalMatch(text); matches.hasNext();) {
-            const QRegularExpressionMatch match = matches.next();
-            const QString target = match.captured(1) + match.captured(2);
-            if (target.contains(QLatin1String("://")))
-                continue;
+        for (const QString& target : links(Document(page).text())) {
             const QString file = target.section(QLatin1Char('#'), 0, 0);
             const QString anchor = target.section(QLatin1Char('#'), 1);
             const QString path =
@@ -78,6 +86,38 @@ private slots:
             if (!anchor.isEmpty())
                 QVERIFY2(anchors(path).contains(anchor), qPrintable(target));
         }
+    }
+
+    void installedPagesLeadSomewhereToo_data()
+    {
+        QTest::addColumn<QString>("component");
+        QTest::newRow("for units") << QStringLiteral("panel");
+        QTest::newRow("for desks") << QStringLiteral("desk");
+    }
+    void installedPagesLeadSomewhereToo()
+    {
+        QFETCH(QString, component);
+        const QTemporaryDir prefix;
+        QProcess install;
+        install.start(QStringLiteral(CMAKE_PROGRAM),
+                      {QStringLiteral("--install"), QStringLiteral(BUILD_FOLDER),
+                       QStringLiteral("--component"), component, QStringLiteral("--prefix"), prefix.path()});
+        QVERIFY(install.waitForFinished());
+        QCOMPARE(install.exitCode(), 0);
+        int checked = 0;
+        for (QDirIterator it(prefix.path(), {QStringLiteral("*.md")}, QDir::Files,
+                             QDirIterator::Subdirectories);
+             it.hasNext();) {
+            QFile page(it.next());
+            QVERIFY(page.open(QIODevice::ReadOnly));
+            for (const QString& target : links(QString::fromUtf8(page.readAll()))) {
+                const QString file = target.section(QLatin1Char('#'), 0, 0);
+                QVERIFY2(QFileInfo(page).dir().exists(file.isEmpty() ? page.fileName() : file),
+                         qPrintable(it.fileName() + QStringLiteral(": ") + target));
+                ++checked;
+            }
+        }
+        QVERIFY(checked > 10);
     }
 
     /** A code span that looks like a path of the tree is one; NAME stands for any name. */
