@@ -56,4 +56,4 @@ systemctl --root="$root" --quiet set-default multi-user.target
 mkdir -p "$root/usr/local/share/fonts"
 find "$root/usr/share/fonts" "$root/usr/local/share/fonts" -type d -exec touch -d @1700000000 {} +
 chroot "$root" fc-cache -s
-rm -rf "$root"/var/lib/apt/lists/* "$root"/var/cache/apt/* "$root"/var/log/* "$root"/boot/*
+rm -rf "${root:?}"/var/lib/apt/lists/* "$root"/var/cache/apt/* "$root"/var/log/* "${root:?}"/boot/*
