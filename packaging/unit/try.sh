@@ -10,15 +10,16 @@ arch=amd64
 case "${1:-}" in amd64 | arm64 | armhf) arch=$1 && shift ;; esac
 out=build/unit/$arch
 preset=$([ "$arch" = amd64 ] && echo default || echo "$arch")
-# Others in tests/journeys need what is not there: programs that make music, the tour, the keyboards of a desk, more of the sources, or a
-# processor that is faster than an emulated one.
-tests=(tst_networkrestart tst_demo_scripts tst_front_panel tst_faults tst_service)
+# Others in tests/journeys need what is not there: programs that make music, the display of a desk, or a processor that is faster than an
+# emulated one.
+tests=(tst_networkrestart tst_start tst_no_display tst_random_journey tst_demo_scripts tst_front_panel tst_faults tst_service)
+programs=(vireo vireo-supervisor vireo-tour)
 
 tools/setup.sh build test unit
 [ -e "$out/disk" ] || packaging/unit/build.sh "$arch"
 cmake --preset default >/dev/null
 cmake --build --preset default --target vireo-supervisor
-cmake --build --preset "$preset" --target vireo vireo-supervisor "${tests[@]}"
+cmake --build --preset "$preset" --target "${programs[@]}" "${tests[@]}"
 
 # The package of the unit, and the same as the next version.
 make_packages() { # FOLDER
@@ -33,9 +34,9 @@ make_packages() { # FOLDER
 # The tests with what they find beside the sources, as they lie here.
 copy_tests() { # FOLDER
     local build=$1/source/build/$preset name
-    mkdir -p "$build"/{bin,tests} "$1/lib" "$1/source/tools"
-    cp -r tools/demo-unit "$1/source/tools/"
-    for name in bin/vireo bin/vireo-supervisor "${tests[@]/#/tests/}"; do
+    mkdir -p "$build"/{bin,tests} "$1/lib" "$1/source"
+    cp -r --parents tools/demo-unit tests/mainwindow/modes.txt "$1/source/"
+    for name in "${programs[@]/#/bin/}" "${tests[@]/#/tests/}"; do
         "$strip" -o "$build/$name" "build/$preset/$name"
     done
     cp -L "$libraries"/libQt6Test.so.6 "$1/lib/"

@@ -14,9 +14,9 @@ from unit import Bench, Failed, Unit
 
 # Each row of the table, and whether it belongs to the quick part. All of them see one boot, in this order.
 ROWS = (
-    ("from dark to the logo, nothing else", screens.first_light, True),
-    ("boot: the panel before the network", screens.boot_times, True),
+    ("boot: from dark to the logo", screens.boot, True),
     ("service ready", service.ready, True),
+    ("status says mode and supervisor", service.status, True),
     ("screens on the frame buffer", screens.frame_buffer, True),
     ("a foreign address gets no answer", network.foreign_address, True),
     ("DHCP switched on the panel", network.dhcp, False),
@@ -37,7 +37,8 @@ ROWS = (
     ("journeys and network restart inside", service.tests, False),
 )
 
-# This one boots for itself.
+# These boot for themselves.
+SHARE = "the panel's share of the boot"
 POWER = "plug pulled while files are written"
 LONGEST_ROW = 3600  # seconds
 
@@ -68,21 +69,31 @@ def wanted(name, only):
     return not only or any(part in name for part in only)
 
 
+def check_words(only):
+    names = [row[0] for row in ROWS] + [SHARE, POWER]
+    for word in only:
+        if not any(word in name for name in names):
+            sys.exit(f"unit: {word!r} is in the name of no row; there are:\n  " + "\n  ".join(names))
+
+
 def main(arch, source, *words):
     times = next((int(word) for word in words if word.isdigit()), 50)
     only = [word for word in words if word != "quick" and not word.isdigit()]
+    check_words(only)
     bench = Bench(arch, source, float(os.environ.get("PATIENCE", "1")))
     stick.make_stick(bench)
     table = Table(bench.patience)
     rows = [row for row in ROWS if wanted(row[0], only) and (row[2] or "quick" not in words)]
     if rows:
         with Unit(bench, bench.new_disk()) as unit:
-            if rows[0][1] is screens.first_light:
+            if rows[0][1] is screens.boot:
                 table.row(*rows.pop(0)[:2], unit)
             unit.wait_for_hands()
             service.ready(unit)
             for name, check, _ in rows:
                 table.row(name, check, unit)
+    if wanted(SHARE, only):
+        table.row(SHARE, screens.share, bench)
     if wanted(POWER, only) and "quick" not in words:
         table.row(POWER, power.rounds, bench, times)
     return table.failed and 1

@@ -1,9 +1,12 @@
 """Pictures as lists of rows of (red, green, blue): the camera's and the accepted ones."""
 
+import functools
 import struct
 import zlib
 
 WIDTH, HEIGHT = 320, 240
+# The same picture is looked at again and again, and what looking takes of the processor is missing to the emulator.
+remembered = functools.lru_cache(maxsize=16)
 
 
 def read_camera(path):
@@ -17,6 +20,7 @@ def read_camera(path):
     return rows_of(data[len(data) - width * height * 3:], 3)
 
 
+@remembered
 def rows_of(samples, channels):
     pixels = [tuple(samples[i:i + 3]) for i in range(0, len(samples), channels)]
     return [pixels[y * WIDTH:(y + 1) * WIDTH] for y in range(HEIGHT)]
@@ -40,6 +44,7 @@ def _undo_filter(kind, line, above, step):
         line[i] = value & 255
 
 
+@remembered
 def read_png(path):
     """An accepted picture: 8 bits a channel, not interlaced."""
     with open(path, "rb") as file:

@@ -1,11 +1,14 @@
 """Rows about the panel as a service: it comes up, comes back and stays up."""
 
+import contextlib
 import os
+import re
 
 from unit import require, wait_for
 
 ANSWERS = ("request",)
 LINK = 40  # seconds until the panel answers again after it was started anew
+STAYS = 600 * 1000  # milliseconds, the longest wait of a script
 
 
 def process(unit):
@@ -27,6 +30,33 @@ def ready(unit):
     answers(unit)
     require(unit.show("User") == "vireo", "it has rights")
     return f"{int(unit.show('MemoryCurrent')) // 1024 // 1024} MiB"
+
+
+def status(unit):
+    """What the service manager tells of the panel without asking it: mode and supervisor, and who took the link from whom."""
+    def says(text):
+        pattern = f'Status: "Mode {text}"'
+        found = wait_for(lambda: re.search(pattern, unit.must("systemctl status --no-pager vireo")), LINK * unit.bench.patience,
+                         lambda: f"{pattern} is missing in: " + unit.must("systemctl status --no-pager vireo"))
+        return found.groups()
+    peer = r"supervisor (198\.51\.100\.1:\d+)"
+    with served(unit, "device usb"):
+        first, = says(f"usb; {peer}")
+        with served(unit, "device aoe"):
+            second, = says(f"aoe; {peer}")
+            unit.must(f"journalctl -u vireo -o cat | grep -qx 'Supervisor {second} connected; {first} is no longer served'")
+    says("aoe; no supervisor")
+    return f"usb with {first}, aoe with {second}, aoe with nobody"
+
+
+@contextlib.contextmanager
+def served(unit, line):
+    """A supervisor that has said a line and stays connected."""
+    with unit.supervisor(f"{line}\nwait {STAYS}") as process:
+        try:
+            yield
+        finally:
+            process.kill()
 
 
 def killed(unit):
@@ -51,15 +81,21 @@ def port_taken(unit):
     unit.do("systemctl start --no-block vireo")
     unit.waits_until("journalctl -u vireo -o cat -n 20 | grep -q 'tcp server error'", LINK, "no word about the port")
     require(unit.show("ActiveState") == "activating", "it says it is ready")
+    give_back_port(unit)
+
+
+def give_back_port(unit):
     unit.must("systemctl stop thief")
-    comes_back(unit, process(unit), 120)
+    unit.waits_until("systemctl is-active -q vireo", 120, "it does not get its port")
+    answers(unit)
 
 
 def memory_pressure(unit):
-    """Another process takes all the memory there is: it goes, the panel stays."""
+    """Another process takes all the memory there is: it goes, the panel stays. Meanwhile nobody asks for anything, because
+    each question would bring back what was thrown out of the memory."""
     before = process(unit)
-    unit.must("systemd-run -q --unit=glutton -p OOMPolicy=continue sh -c 'tail /dev/zero; sleep 1'")
-    unit.waits_until("journalctl -k -o cat | grep -q 'Out of memory: Killed process'", 120, "memory for ever")
+    unit.do("systemd-run -q --collect --unit=glutton -p Type=oneshot tail /dev/zero")
+    unit.must("journalctl -k -o cat | grep 'Out of memory: Killed process .*(tail)'")
     require(process(unit) == before, "the panel went")
     answers(unit)
 
@@ -97,8 +133,7 @@ def journal(unit):
     unit.must("systemctl stop vireo; systemd-run -q --unit=thief busybox nc -l -p 5000")
     unit.do("systemctl start --no-block vireo")
     unit.waits_until("journalctl -u vireo -p err -o cat | grep -q 'tcp server error'", LINK, "errors are not errors")
-    unit.must("systemctl stop thief")
-    comes_back(unit, process(unit), 120)
+    give_back_port(unit)
 
 
 def early_stop(unit):
