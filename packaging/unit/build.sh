@@ -128,7 +128,7 @@ make_disk() {
     mke2fs -q -t ext4 -L unit -d "$tree" "$out/disk" $disk_size
     rm -rf "$out/try.modules"
     mkdir -p "$out/try.modules"
-    install_modules "$out/try.modules" boot try
+    install_modules "$out/try.modules" boot try "try-$arch"
 }
 
 report() {
@@ -156,7 +156,7 @@ make_initrd
 as_root=()
 [ "$(id -u)" -eq 0 ] || as_root=(fakeroot)
 export -f make_disk install_modules module_files rows
-export out disk_size version kernel_root here
+export arch out disk_size version kernel_root here
 "${as_root[@]}" bash -euo pipefail -c make_disk
 report
 rm -rf "$out/root.tar" "$out/initrd.tree" "$out/tree" "$kernel_root"

@@ -10,10 +10,10 @@ arch=amd64
 case "${1:-}" in amd64 | arm64 | armhf) arch=$1 && shift ;; esac
 out=build/unit/$arch
 preset=$([ "$arch" = amd64 ] && echo default || echo "$arch")
-# Others in tests/journeys need what is not there: programs that make music, the display of a desk, or a processor that is faster than an
-# emulated one.
-tests=(tst_networkrestart tst_start tst_no_display tst_random_journey tst_demo_scripts tst_front_panel tst_faults tst_service)
-programs=(vireo vireo-supervisor vireo-tour)
+# Others in tests/journeys need what is not there: programs that make music, the display and the keyboards of a desk, or a processor that is
+# faster than an emulated one.
+tests=(tst_networkrestart tst_start tst_random_journey tst_demo_scripts tst_front_panel tst_faults tst_service)
+programs=(vireo vireo-supervisor)
 
 tools/setup.sh build test unit
 [ -e "$out/disk" ] || packaging/unit/build.sh "$arch"

@@ -10,7 +10,7 @@ import power
 import screens
 import service
 import stick
-from unit import Bench, Failed, Unit
+from unit import Absent, Bench, Failed, Unit
 
 # Each row of the table, and whether it belongs to the quick part. All of them see one boot, in this order.
 ROWS = (
@@ -58,6 +58,8 @@ class Table:
         signal.alarm(self.longest)
         try:
             verdict, note = "ok", check(*arguments) or ""
+        except Absent as reason:
+            verdict, note = "absent", str(reason)
         except Exception as reason:  # whatever it is, the other rows are tried
             verdict, note = "FAILED", str(reason)
             self.failed += 1

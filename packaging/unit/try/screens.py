@@ -6,7 +6,7 @@ import os
 
 from machine import is_fast
 from service import answers
-from unit import Failed, Unit, require, wait_for
+from unit import Absent, Failed, Unit, require, wait_for
 import picture
 import tour
 
@@ -131,6 +131,8 @@ def other_display(unit, *lines):
 
 def virtual_frame_buffer(unit):
     """16 bits a pixel, on the kernel's frame buffer in memory."""
+    if unit.do("modprobe -d /try -n vfb")[0] != 0:
+        raise Absent("this kernel has no frame buffer in memory")
     unit.must("modprobe -d /try vfb vfb_enable=1 mode_option=320x240-16@60 videomemorysize=1048576")
     unit.waits_until("test -e /dev/fb1", 30, "no second frame buffer")
     require(unit.must("cat /sys/class/graphics/fb1/bits_per_pixel") == "16", "not 16 bits a pixel")

@@ -17,6 +17,10 @@ class Failed(Exception):
     """What a row of the table says when it fails."""
 
 
+class Absent(Exception):
+    """What a row says when this unit has not what it tries."""
+
+
 def require(holds, message):
     if not holds:
         raise Failed(message)
