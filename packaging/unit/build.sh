@@ -1,8 +1,9 @@
 #!/bin/bash
-# Makes the kernel and the disk of a whole unit from Debian's packages and the panel's own:
-# packaging/unit/build.sh [amd64|arm64|armhf]. They are build/unit/ARCH/{kernel,initrd,disk}.
+# Makes the kernel and the disk of a whole unit from Debian's packages and the panel's own, in build/unit/ARCH.
 # A package of the panel that is there already is taken with PANEL_DEB=FILE.
+# Usage: packaging/unit/build.sh [amd64|arm64|armhf]
 set -euo pipefail
+. "$(dirname "$0")/../../tools/usage.sh"
 cd "$(dirname "$0")/../.."
 here=packaging/unit
 arch=${1:-amd64}
@@ -140,7 +141,7 @@ report() {
     echo "$(grep -c '^Package:' "$tree/var/lib/dpkg/status") packages: $(sed -n 's/^Package: //p' "$tree/var/lib/dpkg/status" | paste -sd' ')"
 }
 
-[ -n "${kernels[$arch]:-}" ] || fail "usage: packaging/unit/build.sh [amd64|arm64|armhf]"
+[ -n "${kernels[$arch]:-}" ] || bad_usage "no kind of unit '$arch'"
 tools/setup.sh unit
 check_emulator
 cache=build/unit/cache/$arch

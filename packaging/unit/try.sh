@@ -1,9 +1,11 @@
 #!/bin/bash
-# Boots the unit and tries it, and prints a table: packaging/unit/try.sh [amd64|arm64|armhf] [quick] [TIMES] [ROW...]
+# Boots the unit and tries it, and prints a table.
 # A ROW is a part of a row's name; without any, all rows are tried. TIMES is how often the plug is pulled; without, 50 times.
 # ACCEL=kvm lets this machine's processor run the unit.
 # PATIENCE=N waits N times as long on a slow machine. What differs is left in build/unit/ARCH/try.
+# Usage: packaging/unit/try.sh [amd64|arm64|armhf] [quick] [TIMES] [ROW...]
 set -euo pipefail
+. "$(dirname "$0")/../../tools/usage.sh"
 cd "$(dirname "$0")/../.."
 
 arch=amd64
