@@ -9,6 +9,14 @@
 
 #include <memory>
 
+struct ListeningServer : tcp_server {
+    ListeningServer()
+        : tcp_server(nullptr)
+    {
+        operateServer();
+    }
+};
+
 /** A new connection, which the server may not have accepted yet. */
 inline std::unique_ptr<QTcpSocket> connected()
 {

@@ -14,8 +14,7 @@ private slots:
     void newestConnectionIsServed()
     {
         LogCatcher log;
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         const auto first = newPeer(server);
         QVERIFY(first);
         const auto second = newPeer(server);
@@ -43,8 +42,7 @@ private slots:
     void lostPeerStaysCurrentUntilTheNext()
     {
         LogCatcher log(5);
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         SignalRecorder recorder(&server);
         auto first = connected();
         first->write("last words");
@@ -61,8 +59,7 @@ private slots:
     void replacedConnectionsAreReleasedWithTheirPeers()
     {
         LogCatcher log(5);
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         for (int i = 0; i < 300; ++i) {
             const auto peer = newPeer(server);
             QVERIFY(peer);
@@ -77,8 +74,7 @@ private slots:
     void floodOnAReplacedConnectionIsHeldUp()
     {
         LogCatcher log(5);
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         auto first = newPeer(server);
         QVERIFY(first);
         auto second = newPeer(server);
@@ -95,8 +91,7 @@ private slots:
     void whatAPeerHadSentComesBeforeItsSuccessor()
     {
         LogCatcher log;
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         SignalRecorder recorder(&server);
         log.clear();
         // All three wait before the server looks at any of them.
@@ -119,8 +114,7 @@ private slots:
     void silentPeerIsReplacedWithoutALine()
     {
         LogCatcher log;
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         const auto first = newPeer(server);
         log.clear();
         const auto second = newPeer(server);
@@ -154,8 +148,7 @@ private slots:
     void heldServerLeavesBytesToTheirPeer()
     {
         LogCatcher log;
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         const auto peer = newPeer(server);
         QVERIFY(peer);
         SignalRecorder recorder(&server);
@@ -177,8 +170,7 @@ private slots:
     void bytesOfAHeldPeerAreOneBurst()
     {
         LogCatcher log;
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         const auto peer = newPeer(server);
         QVERIFY(peer);
         SignalRecorder recorder(&server);
@@ -198,8 +190,7 @@ private slots:
     void newPeersWaitForAHeldServerInTheirOrder()
     {
         LogCatcher log;
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         const auto first = newPeer(server);
         QVERIFY(first);
         SignalRecorder recorder(&server);
@@ -225,8 +216,7 @@ private slots:
     void receiverMayHoldTheServerAgain()
     {
         LogCatcher log(5);
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         SignalRecorder recorder(&server);
         connect(&server, &tcp_server::sgRxOK, &server, [&server] { server.holdReceiving(); });
         const auto first = connected();
@@ -245,8 +235,7 @@ private slots:
     void peersThatDieWithBytesWaitingAreFew()
     {
         LogCatcher log(5);
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         auto before = newPeer(server);
         for (int i = 0; i < 2 * limits::connections; ++i) {
             auto peer = newPeer(server);
@@ -261,8 +250,7 @@ private slots:
     void oldestOfTooManyConnectionsIsDropped()
     {
         LogCatcher log(5);
-        tcp_server server(nullptr);
-        server.operateServer();
+        ListeningServer server;
         std::vector<std::unique_ptr<QTcpSocket>> peers;
         for (int i = 0; i < limits::connections + 20; ++i) {
             peers.push_back(newPeer(server));
