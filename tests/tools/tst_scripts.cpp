@@ -40,7 +40,9 @@ constexpr Script scripts[] = {
     {"tools/check-tidy.sh", "app"},
     {"tools/demo-unit/music/make-music.sh", "tones"},
     {"tools/readme-pictures.sh", "menu"},
+    {"packaging/unit/build.sh", "mips"},
     {"tools/setup.sh", "build biuld"},
+    {"unit", "mips"},
 };
 
 /** Stands in front of the programs that install, build or lay out anything; what is called leaves its name.
