@@ -265,14 +265,15 @@ private slots:
 
     void longestFootLeavesTheFrontItsPlace_data()
     {
-        QTest::addColumn<QSize>("room"); // beside the panel, in the frame of a window manager
-        QTest::newRow("640x480") << QSize(308, 448);
-        QTest::newRow("800x480") << QSize(468, 448);
+        QTest::addColumn<QSize>("lines"); // of 14 pixels, beside the panel and in a window manager's frame
+        QTest::newRow("640x480") << QSize(22, 32);
+        QTest::newRow("800x480") << QSize(33, 32);
     }
     void longestFootLeavesTheFrontItsPlace()
     {
-        QFETCH(QSize, room);
+        QFETCH(QSize, lines);
         Stage stage;
+        const QSize room = lines * stage.window.fontMetrics().height(); // in the font that there is
         stage.window.resize(room);
         auto* foot = stage.window.findChild<LinkBar*>();
         const int least = foot->height();
