@@ -10,6 +10,10 @@ cd "$(dirname "$0")/../.."
 
 arch=amd64
 case "${1:-}" in amd64 | arm64 | armhf) arch=$1 && shift ;; esac
+rows=$(sed -n 's/^    ("\([^"]*\)", .*/\1/p; s/^[A-Z]* = "\(.*\)"$/\1/p' packaging/unit/try/main.py)
+for word in "$@"; do
+    [[ $word =~ ^([0-9]+|quick)$ ]] || grep -qF -- "$word" <<<"$rows" || bad_usage "no row has '$word' in its name"
+done
 out=build/unit/$arch
 preset=$([ "$arch" = amd64 ] && echo default || echo "$arch")
 # Others in tests/journeys need what is not there: programs that make music, the display and the keyboards of a desk, or a processor that is

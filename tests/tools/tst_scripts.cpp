@@ -41,6 +41,7 @@ constexpr Script scripts[] = {
     {"tools/demo-unit/music/make-music.sh", "tones"},
     {"tools/readme-pictures.sh", "menu"},
     {"packaging/unit/build.sh", "mips"},
+    {"packaging/unit/try.sh", "arm64 quick 5 turntable"},
     {"tools/setup.sh", "build biuld"},
     {"unit", "mips"},
 };
