@@ -8,7 +8,7 @@ import subprocess
 import time
 
 import service
-from unit import Unit, require
+from unit import Failed, Unit, require, wait_for
 
 CONF = "/opt/orvane/conf"
 WRITTEN = ("oper_mode.xml", "radio.xml", "network.xml")
@@ -103,15 +103,22 @@ def freeze(bench, disk, frozen):
     return whole
 
 
+def without_expecting(line):
+    """What is written matters here; a slow unit may still be at the line before when it is asked."""
+    return line.replace("expect ", "# expect ")
+
+
 def pull(bench, disk, frozen):
     """The unit goes on, the panel writes, and the plug is pulled at any moment after any number of answers."""
     beginning = random.randrange(3)
     writes = WRITES[beginning:] + WRITES[:beginning]
-    script = "\n".join(line for lines in writes * 100 for line in (*lines, "request"))
+    script = "\n".join(line for lines in writes * 100 for line in (*map(without_expecting, lines), "request"))
     with Unit(bench, disk, frozen=frozen) as unit:
+        wait_for(lambda: unit.machine.ask("query-status")["running"], 60 * bench.patience, "the unit does not go on")
         with unit.supervisor(script, answers=subprocess.PIPE) as writing:
             for _ in range(random.randint(1, 2 * len(WRITES))):
-                require(writing.stdout.readline(), "the panel does not answer")
+                if not writing.stdout.readline():
+                    raise Failed(f"the panel does not answer: {writing.stderr.read().decode()}")
             time.sleep(random.uniform(0, LONGEST_WRITE))
             unit.machine.pull_plug()
             writing.kill()
