@@ -72,7 +72,7 @@ private slots:
         const UnitRoot unit;
         const EventOrder hidden(QEvent::HideToParent);
         const MainWindow window;
-        QCOMPARE(hidden.names.mid(hidden.names.size() - order.size()), order);
+        QCOMPARE(hidden.names.mid(hidden.names.lastIndexOf(order.first()), order.size()), order);
     }
 
     void layout_data()
