@@ -5,6 +5,7 @@
 #include "tests/support/routestandin.h"
 
 #include <QListView>
+#include <QPair>
 #include <QSet>
 
 namespace {
@@ -82,19 +83,25 @@ public:
             turnOnce(steps > 0 ? 1 : -1);
     }
 
+    /** Each source that is active brings up its mode, in the order of the bits; one without a mode does
+     * nothing. */
     void devices(int mask)
     {
-        if (mask & int(wire::Source::FrontUsb) && mode != usb)
-            enter(usb);
-        if (mask & int(wire::Source::Radio) && mode != radio)
-            enterRadio();
-        if (mask & int(wire::Source::Aoe) && mode != aoe)
-            enter(aoe);
+        static const QPair<wire::Source, const char*> entering[] = {
+            {wire::Source::FrontUsb, "sgDEVICE_USB_FRONT_Enter()"},
+            {wire::Source::StreamUsb, "sgDEVICE_USB_STREAM_Enter()"},
+            {wire::Source::Aux, "sgDEVICE_AUX_Enter()"},
+            {wire::Source::Radio, "sgDEVICE_IR_Enter()"},
+            {wire::Source::Aoe, "sgDEVICE_AOE_Enter()"},
+        };
+        for (const auto& [source, signal] : entering) {
+            const QString next = Listing::accepted().after(mode, QLatin1String(signal));
+            if (mask & int(source) && next != mode)
+                next == radio ? enterRadio() : enter(next);
+        }
     }
 
 private:
-    const QString usb = QStringLiteral("USBMode");
-    const QString aoe = QStringLiteral("AOEMode");
     const QString radio = QStringLiteral("IRMain");
     const QString list = QStringLiteral("IRList");
     const QString setup = QStringLiteral("SetMode");

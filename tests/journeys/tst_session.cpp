@@ -186,7 +186,7 @@ private slots:
         QCOMPARE(panel.mode(), 5);
         panel.send(Command::Device, wire::Source::FrontUsb);
         QCOMPARE(panel.mode(), 1);
-        panel.send(Command::Device, wire::Source::Aux);
+        panel.send(Command::Device, wire::Source::StreamUsb);
         QCOMPARE(panel.mode(), 1);
     }
 
