@@ -10,7 +10,7 @@ from unit import Absent, Failed, Unit, require, wait_for
 import picture
 import tour
 
-LARGEST_SHARE = 0.1  # of the time from the kernel's first moment to the logo
+LARGEST_SHARE = 0.1  # of the time from the kernel's first moment to where the panel is ready
 # The unit's clock goes on by 2^3 ns for each instruction, so that it does not matter what else this machine does.
 INSTRUCTIONS_COUNTED = ["-icount", "shift=3", "-smp", "1"]
 
@@ -59,7 +59,7 @@ def boot(unit):
 
 
 def share(bench):
-    """Little of a boot is the panel's own: from where the service manager starts it to where it is ready and paints the logo."""
+    """Little of a boot is the panel's own: from where the service manager starts it to where it is ready, just before the logo."""
     counted = [] if is_fast(bench.arch) else INSTRUCTIONS_COUNTED
     with Unit(bench, bench.new_disk(), more=counted) as unit:
         wait_for_boot(unit)
