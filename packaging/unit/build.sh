@@ -55,6 +55,12 @@ panel_package() {
     ls "$folder"/vireo_*_"$arch".deb
 }
 
+# The lists of updates of an architecture are not always whole on the server; the release itself is.
+drop_missing_updates='APT_CONFIG=$MMDEBSTRAP_APT_CONFIG apt-get update -qq --error-on=any || {
+    echo "unit: going on without the security updates, of which no list can be fetched" >&2
+    sed -i /security/d "$1/etc/apt/sources.list"
+}'
+
 # The names in a package's dependencies; of alternatives the first.
 dependencies() {
     dpkg-deb -f "$1" Depends | tr ',' '\n' | sed 's/|.*//;s/(.*//;s/ //g'
@@ -68,6 +74,7 @@ make_root() { # PACKAGE: the disk's files as $out/root.tar, the kernel's package
     done < <(rows excludes.list)
     mmdebstrap --quiet --architectures="$arch" --variant=essential --include="$include" --dpkgopt=force-unsafe-io "${exclude[@]}" \
         --skip=download/empty --skip=essential/unlink \
+        --setup-hook="$drop_missing_updates" \
         --setup-hook="mkdir -p \"\$1/var/cache/apt/archives\"; cp -n $cache/*.deb \"\$1/var/cache/apt/archives/\" 2>/dev/null || true" \
         --customize-hook="cp -n \"\$1\"/var/cache/apt/archives/*.deb $cache/ || true" \
         --customize-hook="$here/customize.sh \"\$1\" $1 ${kernels[$arch]} $cache" \
