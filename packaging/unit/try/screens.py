@@ -16,7 +16,7 @@ INSTRUCTIONS_COUNTED = ["-icount", "shift=3", "-smp", "1"]
 
 
 def accepted(unit):
-    return tour.Accepted(unit.bench.source)
+    return tour.Accepted(unit.bench)
 
 
 def first_light(unit):
@@ -73,20 +73,17 @@ def share(bench):
 def frame_buffer(unit):
     unit.must(RESTART)
     answers(unit)
-    pictures = accepted(unit)
-    return tour.play(unit, unit.picture, lambda name, rows: pictures.compared(name, rows)
-                     == pictures.compared(name, pictures.load(name)))
+    return tour.play(unit, unit.picture, accepted(unit).is_right)
 
 
 def wait_notice(unit):
     """While the network restarts, the notice that says so is seen."""
     pictures = accepted(unit)
-    wanted = pictures.compared("setup-waiting", pictures.load("setup-waiting"))
     unit.told("device ir", "key long-select", "wait 100", "enc 2", "key select", "wait 4000", "expect setup")
     choice = ("enc 1", "enc -1")["<dhcp>no" in unit.must("cat /opt/orvane/conf/network.xml")]
     with tour.settings_kept(unit):
         with unit.supervisor(f"key select\n{choice}\nkey select"):
-            wait_for(lambda: pictures.compared("setup-waiting", unit.picture()) == wanted, 15 * unit.bench.patience,
+            wait_for(lambda: pictures.is_right("setup-waiting", unit.picture()), 15 * unit.bench.patience,
                      "no notice on the display")
         wait_for(lambda: unit.say("expect setup")[0], 60 * unit.bench.patience, "the panel waits for ever")
 
