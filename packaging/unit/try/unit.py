@@ -50,6 +50,8 @@ class Bench:
         self.stick_folder = os.path.join(self.folder, "stick.files")
         self.supervisor = os.path.join(source, "build/default/bin/vireo-supervisor")
         os.makedirs(self.folder, exist_ok=True)
+        allowed = subprocess.run(["unshare", "-rm", "true"], capture_output=True, check=False).returncode == 0
+        require(allowed, "no program may have mounts of its own here (unshare -rm), as a container has to allow")
 
     def new_disk(self):
         """A copy of the unit's disk with the hands in it."""
