@@ -97,14 +97,11 @@ constexpr int jpegBlocks = 16 * 1024 * 1024;
 /** of a JPEG in several scans, where each byte may change many coefficients */
 constexpr int jpegScansBytes = 8 * 1024 * 1024;
 
-/** remarks and the like in a JPEG; Qt keeps each in pieces of memory of its own */
-constexpr int jpegNotes = 1024;
-
 /** of a picture in a format that nobody uses for large covers and whose decoder may be slow */
 constexpr int rarePictureBytes = 16 * 1024 * 1024;
 
 /** of a picture that is written as text, which is read a character at a time */
-constexpr int textPictureBytes = 8 * 1024 * 1024;
+constexpr int textPictureBytes = 6 * 1024 * 1024;
 
 // tags
 

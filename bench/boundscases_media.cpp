@@ -1,6 +1,7 @@
 #include "bench/boundscases.h"
 #include "link/packet.h"
 #include "tests/tags/jpegbuilder.h"
+#include "tests/tags/packedpictures.h"
 
 #include <QFile>
 #include <QImageWriter>
@@ -67,18 +68,37 @@ QByteArray png(int side, QImage::Format format)
     return file;
 }
 
-/** Grain, of which a decoder has to read every coefficient in many scans. */
-QByteArray denseProgressiveJpeg(int side)
+/** Of noise of so many bits. */
+QImage grain(int side, int bits)
 {
-    const QByteArray grain = randomBytes(side * side * 4);
-    const QImage image(reinterpret_cast<const uchar*>(grain.constData()), side, side, QImage::Format_RGB32);
+    QByteArray bytes = randomBytes(side * side * 4);
+    for (char& byte : bytes)
+        byte = char(quint8(byte) >> (8 - bits));
+    const QImage image(reinterpret_cast<const uchar*>(bytes.constData()), side, side, QImage::Format_RGB32);
+    return image.copy();
+}
+
+/** Grain, of which a decoder has to read every coefficient in many scans. */
+QByteArray progressiveJpeg(const QImage& image)
+{
     QByteArray file;
     QBuffer buffer(&file);
     QImageWriter writer(&buffer, "JPEG");
-    writer.setQuality(99);
+    writer.setQuality(95);
     writer.setProgressiveScanWrite(true);
     writer.write(image);
     return file;
+}
+
+/** A small picture with more runs than it has pixels. */
+QByteArray bmpOfRuns(int runs)
+{
+    constexpr int colours = 256;
+    constexpr int headBytes = 54 + colours * 4;
+    const auto word = [](int number) { return littleEndian(quint32(number)); };
+    return "BM" + word(headBytes + runs * 2) + word(0) + word(headBytes) + word(40) + word(10) + word(10)
+        + bytesOf("\1\0\x8\0") + word(1) + word(runs * 2) + word(0) + word(0) + word(colours) + word(0)
+        + QByteArray(colours * 4, '\0') + QByteArray("\xFF\1").repeated(runs);
 }
 
 QByteArray flacWithComments(const QDir& folder, const QByteArray& comment)
@@ -148,23 +168,50 @@ constexpr BoundsCase cases[] = {
      [](const QDir& f) {
          return cover(f, jpeg(Progressive, {5100, 5100}, "\x22\x11\x11", 10));
      }},
-    {"progressive JPEG of grain", [](const QDir& f) { return cover(f, denseProgressiveJpeg(1900)); }},
+    {"progressive JPEG of 16 megapixels",
+     [](const QDir& f) {
+         return cover(f, jpeg(Progressive, {4096, 4096}, "\x11\x11\x11", 21));
+     }},
+    {"progressive JPEG of 16 megapixels, four inks",
+     [](const QDir& f) {
+         return cover(f, jpeg(Progressive, {4096, 4096}, "\x11\x11\x11\x11", 16));
+     }},
+    {"progressive JPEG of grain", [](const QDir& f) { return cover(f, progressiveJpeg(grain(2200, 8))); }},
+    {"progressive JPEG of 16 megapixels of grain",
+     [](const QDir& f) { return cover(f, progressiveJpeg(grain(4096, 4))); }},
+    {"progressive JPEG, 64 scans of a grey of 16 megapixels",
+     [](const QDir& f) {
+         return cover(f, jpeg(Progressive, {4096, 4096}, "\x11", 64));
+     }},
     {"JPEG with 16 MB of remarks",
      [](const QDir& f) {
          return cover(f, jpeg(Baseline, {64, 64}, "\x11", 1, segment(Remark, "").repeated(4 * MB)));
      }},
     {"PNG, 5790x5790", [](const QDir& f) { return cover(f, png(5790, QImage::Format_RGB32)); }},
     {"PNG of 16 megapixels", [](const QDir& f) { return cover(f, png(4096, QImage::Format_ARGB32)); }},
+    {"PNG of 32 megapixels, 16 bits a channel",
+     [](const QDir& f) { return mp3Cover(f, png(5790, QImage::Format_RGBA64)); }},
+    {"PNG with 20 GB packed behind its pixels",
+     [](const QDir& f) { return mp3Cover(f, PackedPictures::png(10, 20000)); }},
+    {"GIF of 32 megapixels",
+     [](const QDir& f) {
+         return cover(f, PackedPictures::gif({5790, 5790}, {5790, 5790}, 10000));
+     }},
+    {"GIF with 40 gigapixels packed behind its own",
+     [](const QDir& f) {
+         return cover(f, PackedPictures::gif({10, 10}, {10, 10}, 10 * MB));
+     }},
+    {"BMP of 32 MB of runs", [](const QDir& f) { return mp3Cover(f, bmpOfRuns(16 * MB)); }},
     {"PNG with 2,000,000 texts",
      [](const QDir& f) {
          QByteArray file = png(64, QImage::Format_RGB32);
          return mp3Cover(f, file.insert(33, bytesOf("\0\0\0\0tEXt\x96\x42\xC5\x85").repeated(2 * MB)));
      }},
-    {"XBM of 8 MB",
+    {"XBM of 6 MB",
      [](const QDir& f) {
          return cover(f,
-                      "#define a_width 4000\n#define a_height 4000\nstatic char a[] = {\n"
-                          + QByteArray("0x12,").repeated(1600000) + "};");
+                      "#define a_width 4000\n#define a_height 3000\nstatic char a[] = {\n"
+                          + QByteArray("0x12,").repeated(1250000) + "};");
      }},
     {"PPM of 16 MB in digits",
      [](const QDir& f) { return cover(f, "P3 1600 1600 9 " + QByteArray("1 ").repeated(8 * MB)); }},

@@ -2,7 +2,7 @@
 
 #include "tags/nearestpixels.h"
 #include "tags/picturecost.h"
-#include "tags/pngtexts.h"
+#include "tags/picturerows.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -11,38 +11,50 @@
 namespace {
 
 constexpr QSize coverSize(coverPixels, coverPixels);
-/** Below 50 the toolkit takes the nearest pixels of what the decoder has reduced. */
-constexpr int unsmoothedQuality = 49;
+
+/** A format that is decoded row by row, and how its files begin. */
+struct RowFormat {
+    const char* start;
+    QImage (*decoded)(const QByteArray& file, QSize size);
+};
+
+constexpr RowFormat rowFormats[] = {
+    {"\x89PNG\r\n\x1A\n", PictureRows::png},
+    {"\xFF\xD8", PictureRows::jpeg},
+    {"GIF87a", PictureRows::gif},
+    {"GIF89a", PictureRows::gif},
+};
 
 /** Of a BMP that breaks off the toolkit leaves the missing rows as the memory was, so it gets a blank one. */
-QImage decoded(QImageReader& reader, const QByteArray& imageFile)
+QImage decodedByToolkit(QImageReader& reader)
 {
     QImage image;
     if (reader.format() == "bmp") {
-        image = QImage(decodedSize(reader, imageFile), reader.imageFormat());
+        image = QImage(decodedSize(reader), reader.imageFormat());
         image.fill(0);
     }
     return reader.read(&image) ? image : QImage();
+}
+
+QImage decoded(const QByteArray& imageFile)
+{
+    for (const RowFormat& format : rowFormats) {
+        if (imageFile.startsWith(format.start))
+            return format.decoded(imageFile, coverSize);
+    }
+    QBuffer buffer;
+    buffer.setData(imageFile);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setDecideFormatFromContent(true);
+    return isAffordable(reader, imageFile.size()) ? nearestPixels(decodedByToolkit(reader), coverSize)
+                                                  : QImage();
 }
 
 } // namespace
 
 QPixmap coverPicture(const QByteArray& imageFile)
 {
-    QBuffer buffer;
-    buffer.setData(withoutPngTexts(imageFile));
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
-    const bool isCopied = buffer.data().constData() != imageFile.constData();
-    const Decoding decoding =
-        affordableDecoding(reader, buffer.data(), imageFile.size() * (isCopied ? 2 : 1));
-    if (decoding == Decoding::None)
-        return {};
-    if (decoding == Decoding::Reduced) {
-        reader.setScaledSize(coverSize);
-        reader.setQuality(unsmoothedQuality);
-    }
     // A whole picture as a pixmap would be copied, in threads that may not be there.
-    return QPixmap::fromImage(nearestPixels(decoded(reader, buffer.data()), coverSize));
+    return QPixmap::fromImage(decoded(imageFile));
 }

@@ -12,7 +12,6 @@ namespace {
 
 constexpr quint8 endOfImage = 0xD9;
 constexpr quint8 startOfScan = 0xDA;
-constexpr quint8 notes[] = {0xE1, 0xE2, 0xFE}; // camera data, colour profiles, remarks
 
 /** Markers that a segment follows, which begins with its length; the others stand alone or are damage. */
 struct Range {
@@ -122,8 +121,6 @@ private:
             takeScan(numberAt(segment, 0, 1));
         else if (const FrameKind* kind = frameKind(marker))
             takeFrame(*kind, segment);
-        else if (std::find(std::begin(notes), std::end(notes), marker) != std::end(notes))
-            takeNote(segment.size());
     }
 
     void takeFrame(const FrameKind& kind, const QByteArray& segment)
@@ -141,12 +138,6 @@ private:
     {
         if (m_frame.scans++ == 0 && components < m_components)
             m_frame.holdsCoefficients = true;
-    }
-
-    void takeNote(qint64 bytes)
-    {
-        ++m_frame.notes;
-        m_frame.noteBytes += bytes;
     }
 
     JpegFrame m_frame;

@@ -16,9 +16,6 @@ struct JpegFrame {
     bool holdsCoefficients = false;
     /** Whether coefficients are coded arithmetically, which takes far longer and any number a byte. */
     bool isArithmetic = false;
-    /** Segments that the toolkit keeps beside the pixels (remarks, camera data, colour profiles). */
-    int notes = 0;
-    qint64 noteBytes = 0;
 };
 
 /** Nothing where the bytes are no JPEG file of a kind that loads. */

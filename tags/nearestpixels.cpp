@@ -1,7 +1,7 @@
 #include "tags/nearestpixels.h"
 
+#include <algorithm>
 #include <cstring>
-#include <vector>
 
 namespace {
 
@@ -32,16 +32,39 @@ void copyPixel(const QImage& from, QPoint source, QImage& to, QPoint target)
 
 } // namespace
 
+NearestPixels::NearestPixels(QSize picture, QSize scaled, QImage::Format format)
+    : m_columns(sources({picture.width(), 1}, {scaled.width(), 1}))
+    , m_rows(sources({1, picture.height()}, {1, scaled.height()}))
+    , m_image(scaled, format)
+{
+    m_image.fill(0);
+}
+
+void NearestPixels::take(int y, const QImage& from, int at)
+{
+    take(y, from, at, Columns());
+}
+
+void NearestPixels::take(int y, const QImage& from, int at, Columns columns)
+{
+    const auto targets = std::equal_range(m_rows.begin(), m_rows.end(), y);
+    for (auto row = targets.first; row != targets.second; ++row) {
+        for (std::size_t x = 0; x < m_columns.size(); ++x) {
+            const int offset = m_columns[x] - columns.first;
+            if (offset >= 0 && offset % columns.step == 0)
+                copyPixel(from, {offset / columns.step, at}, m_image, {int(x), int(row - m_rows.begin())});
+        }
+    }
+}
+
 QImage nearestPixels(const QImage& image, QSize size)
 {
     if (image.isNull())
         return {};
-    const std::vector<int> columns = sources({image.width(), 1}, {size.width(), 1});
-    const std::vector<int> rows = sources({1, image.height()}, {1, size.height()});
-    QImage scaled(size, image.format());
+    NearestPixels pixels(image.size(), size, image.format());
+    for (int y = 0; y < image.height(); ++y)
+        pixels.take(y, image, y);
+    QImage scaled = pixels.image();
     scaled.setColorTable(image.colorTable());
-    for (int y = 0; y < size.height(); ++y)
-        for (int x = 0; x < size.width(); ++x)
-            copyPixel(image, {columns[std::size_t(x)], rows[std::size_t(y)]}, scaled, {x, y});
     return scaled;
 }

@@ -101,8 +101,6 @@ private slots:
         QCOMPARE(frame.pixels, small);
         QCOMPARE(frame.scans, 1);
         QVERIFY(!frame.holdsCoefficients);
-        QCOMPARE(frame.notes, 1);
-        QCOMPARE(frame.noteBytes, qint64(thumbnail.size()));
     }
 
     void whatLiesBetweenSegmentsIsPassedOver_data()
@@ -128,14 +126,6 @@ private slots:
         const QByteArray file = jpeg(Progressive, small, "\x11", 3);
         QCOMPARE(read(file + file).scans, 3);
         QCOMPARE(read(file.chopped(2)).scans, 3);
-    }
-
-    void notesAreCounted()
-    {
-        const QByteArray notes = segment(Remark, "abc") + segment(Exif, "") + segment(0xE2, "12345");
-        const JpegFrame frame = read(jpeg(Baseline, small, "\x11", 1, notes + segment(0xEE, "Adobe")));
-        QCOMPARE(frame.notes, 3);
-        QCOMPARE(frame.noteBytes, qint64(8));
     }
 
     void whatDoesNotLoadHasNoFrame_data()

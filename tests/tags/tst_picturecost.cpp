@@ -84,8 +84,8 @@ private slots:
         QTest::newRow("four inks, 9 megapixels") << jpeg(Baseline, {3000, 3000}, "\x11\x11\x11\x11");
         QTest::newRow("as many scans as may be") << jpeg(Progressive, {600, 600}, "\x11", limits::jpegScans);
         QTest::newRow("arithmetic") << jpeg(Arithmetic, {1000, 1000}, "\x11");
-        QTest::newRow("as many remarks as may be")
-            << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "a: b").repeated(limits::jpegNotes));
+        QTest::newRow("a million remarks")
+            << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "a: b").repeated(1000 * 1000));
         QTest::newRow("PNG of 16 megapixels") << saved(quarters(4096, 4096), "PNG");
         QTest::newRow("GIF of 9 megapixels") << gif(3000, 3000);
     }
@@ -112,10 +112,6 @@ private slots:
         QTest::newRow("arithmetic of 9 megapixels") << jpeg(Arithmetic, {3000, 3000}, "\x11");
         QTest::newRow("too long for many scans")
             << jpeg(Progressive, {600, 600}, "\x11", 2) + QByteArray(limits::jpegScansBytes, '\0');
-        QTest::newRow("one remark too many")
-            << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "a: b").repeated(limits::jpegNotes + 1));
-        QTest::newRow("more remarks than the toolkit goes through in a minute")
-            << jpeg(Baseline, {60, 60}, "\x11", 1, segment(Remark, "").repeated(1000 * 1000));
         QTest::newRow("GIF of 16 megapixels") << gif(4096, 4096);
         QTest::newRow("XPM of many bytes")
             << saved(QImage(60, 60, QImage::Format_RGB32), "XPM") + QByteArray(limits::textPictureBytes, ' ');

@@ -1,0 +1,112 @@
+#include "tags/jpegcoefficients.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using Block = JpegCoefficients::Block;
+
+/** Most coefficients are zero: whole groups of them are passed over. */
+constexpr std::size_t groupSize = 8;
+
+quint64 nonZeroOf(const Block& block)
+{
+    quint64 flags = 0;
+    for (std::size_t group = 0; group < block.coefficients.size(); group += groupSize) {
+        quint64 ofGroup = 0;
+        for (std::size_t i = 0; i < groupSize; ++i)
+            ofGroup |= quint64(block.coefficients[group + i] != 0) << i;
+        flags |= ofGroup << group;
+    }
+    return flags;
+}
+
+void fill(Block& block, quint64 nonZero)
+{
+    for (std::size_t i = 0; i < block.coefficients.size(); ++i)
+        block.coefficients[i] = qint16(nonZero >> i & 1U);
+}
+
+} // namespace
+
+JpegCoefficients::JpegCoefficients(const std::vector<bool>& neededRows,
+                                   const std::vector<bool>& neededColumns, std::size_t atOnce)
+    : m_rows(numbered(neededRows))
+    , m_columns(numbered(neededColumns))
+    , m_kept(m_rows.needed * m_columns.needed)
+    , m_nonZero(neededRows.size() * neededColumns.size())
+    , m_first(m_nonZero.size())
+    , m_unpacked(atOnce, std::vector<Block>(neededColumns.size()))
+{
+    for (std::size_t place = 0; place < atOnce; ++place)
+        m_unpackedRow.push_back(place); // zeros, as all of them are
+    for (std::size_t row = 0; row < neededRows.size() + atOnce; ++row)
+        m_pointers.push_back(m_unpacked[row % atOnce].data());
+}
+
+JpegCoefficients::Numbers JpegCoefficients::numbered(const std::vector<bool>& needed)
+{
+    Numbers numbers;
+    for (const bool is : needed)
+        numbers.of.push_back(is ? int(numbers.needed++) : -1);
+    return numbers;
+}
+
+Block* JpegCoefficients::keptBlock(std::size_t row, std::size_t column)
+{
+    const int y = m_rows.of[row];
+    const int x = m_columns.of[column];
+    return y < 0 || x < 0 ? nullptr : &m_kept[std::size_t(y) * m_columns.needed + std::size_t(x)];
+}
+
+void JpegCoefficients::pack(std::size_t row)
+{
+    const std::vector<Block>& blocks = m_unpacked[row % m_unpacked.size()];
+    for (std::size_t column = 0; column < blocks.size(); ++column) {
+        const std::size_t at = row * blocks.size() + column;
+        m_first[at] = blocks[column].coefficients.front();
+        if (Block* kept = keptBlock(row, column))
+            *kept = blocks[column];
+        else
+            m_nonZero[at] = nonZeroOf(blocks[column]);
+    }
+}
+
+void JpegCoefficients::unpack(std::size_t row)
+{
+    std::vector<Block>& blocks = m_unpacked[row % m_unpacked.size()];
+    if (std::exchange(m_unpackedRow[row % m_unpacked.size()], row) == row)
+        return;
+    for (std::size_t column = 0; column < blocks.size(); ++column) {
+        const std::size_t at = row * blocks.size() + column;
+        if (const Block* kept = keptBlock(row, column))
+            blocks[column] = *kept;
+        else
+            fill(blocks[column], m_nonZero[at]);
+        blocks[column].coefficients.front() = m_first[at];
+    }
+}
+
+Block* const* JpegCoefficients::rows(std::size_t first, std::size_t count)
+{
+    for (; m_written > 0; --m_written)
+        pack(m_writtenAt++);
+    for (std::size_t row = first; row < std::min(first + count, m_rows.of.size()); ++row)
+        unpack(row);
+    return &m_pointers[first];
+}
+
+/** The decoder sometimes reads rows behind those that it asked for. */
+Block* const* JpegCoefficients::rowsToRead(std::size_t first)
+{
+    return rows(first, m_unpacked.size());
+}
+
+Block* const* JpegCoefficients::rowsToWrite(std::size_t first, std::size_t count)
+{
+    Block* const* const toWrite = rows(first, count);
+    m_writtenAt = first;
+    m_written = count;
+    return toWrite;
+}
