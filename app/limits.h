@@ -85,17 +85,20 @@ constexpr int pictureBytes = 80 * 1024 * 1024;
 /** unpacking more takes too long, however few bits each of them has */
 constexpr int picturePixels = 32 * 1024 * 1024;
 
+/** of a PNG, whose pixels take up to eight bytes; unpacking more takes too long */
+constexpr int pngBytes = 128 * 1024 * 1024;
+
 /** of a JPEG that is decoded whole; the decoder itself reduces a larger one on the way */
 constexpr int jpegPixels = 16 * 1024 * 1024;
 
 /** no encoder writes more than some dozens of scans into a progressive JPEG */
 constexpr int jpegScans = 256;
 
-/** a JPEG's blocks times its scans; the decoder needs up to 20 ns to pass one of them */
-constexpr int jpegBlocks = 16 * 1024 * 1024;
+/** a JPEG's blocks, each as often as a scan passes it; the decoder needs up to 50 ns for each of them */
+constexpr int jpegBlocks = 12 * 1024 * 1024;
 
 /** of a JPEG in several scans, where each byte may change many coefficients */
-constexpr int jpegScansBytes = 8 * 1024 * 1024;
+constexpr int jpegScansBytes = 16 * 1024 * 1024;
 
 /** of a picture in a format that nobody uses for large covers and whose decoder may be slow */
 constexpr int rarePictureBytes = 16 * 1024 * 1024;

@@ -101,6 +101,20 @@ QByteArray bmpOfRuns(int runs)
         + QByteArray(colours * 4, '\0') + QByteArray("\xFF\1").repeated(runs);
 }
 
+/** Of 16 bits a channel; the grain keeps the decoder busy. */
+QByteArray deepPng(int side)
+{
+    QByteArray bytes = randomBytes(side * side * 8);
+    for (int i = 0; i < bytes.size(); ++i)
+        bytes[i] = char(i % 2 == 0 ? quint8(bytes.at(i)) & 3 : i / 8 % side * 255 / side);
+    const QImage image(reinterpret_cast<const uchar*>(bytes.constData()), side, side, QImage::Format_RGBA64);
+    QByteArray file;
+    QBuffer buffer(&file);
+    QImageWriter writer(&buffer, "PNG");
+    writer.write(image);
+    return file;
+}
+
 QByteArray flacWithComments(const QDir& folder, const QByteArray& comment)
 {
     const int count = 0xFF0000 / int(comment.size());
@@ -176,9 +190,9 @@ constexpr BoundsCase cases[] = {
      [](const QDir& f) {
          return cover(f, jpeg(Progressive, {4096, 4096}, "\x11\x11\x11\x11", 16));
      }},
-    {"progressive JPEG of grain", [](const QDir& f) { return cover(f, progressiveJpeg(grain(2200, 8))); }},
+    {"progressive JPEG of grain", [](const QDir& f) { return cover(f, progressiveJpeg(grain(3950, 8))); }},
     {"progressive JPEG of 16 megapixels of grain",
-     [](const QDir& f) { return cover(f, progressiveJpeg(grain(4096, 4))); }},
+     [](const QDir& f) { return cover(f, progressiveJpeg(grain(4096, 7))); }},
     {"progressive JPEG, 64 scans of a grey of 16 megapixels",
      [](const QDir& f) {
          return cover(f, jpeg(Progressive, {4096, 4096}, "\x11", 64));
@@ -189,8 +203,8 @@ constexpr BoundsCase cases[] = {
      }},
     {"PNG, 5790x5790", [](const QDir& f) { return cover(f, png(5790, QImage::Format_RGB32)); }},
     {"PNG of 16 megapixels", [](const QDir& f) { return cover(f, png(4096, QImage::Format_ARGB32)); }},
-    {"PNG of 32 megapixels, 16 bits a channel",
-     [](const QDir& f) { return mp3Cover(f, png(5790, QImage::Format_RGBA64)); }},
+    {"PNG of 16 megapixels, 16 bits a channel, with some grain",
+     [](const QDir& f) { return mp3Cover(f, deepPng(4096)); }},
     {"PNG with 20 GB packed behind its pixels",
      [](const QDir& f) { return mp3Cover(f, PackedPictures::png(10, 20000)); }},
     {"GIF of 32 megapixels",

@@ -9,7 +9,8 @@ cd "$(dirname "$0")/.."
 arch=$1
 [[ $arch =~ ^(armhf|arm64)$ ]] || bad_usage "no architecture '$arch'"
 
-packages=(libc6-dev libstdc++6 qt6-base-dev qt6-5compat-dev qt6-scxml-dev qt6-qpa-plugins fonts-unifont)
+packages=(libc6-dev libstdc++6 qt6-base-dev qt6-5compat-dev qt6-scxml-dev qt6-qpa-plugins
+    libjpeg-dev libpng-dev libgif-dev fonts-unifont)
 sysroot=$PWD/build/sysroot/$arch
 state=$PWD/build/sysroot/$arch.apt
 

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -78,20 +79,29 @@ Sampling samplingOf(const QByteArray& segment, int component)
     return {factors >> 4, factors & 0xF};
 }
 
+struct Component {
+    int name;
+    qint64 blocks;
+};
+
 /** The decoder stores whole units, of as many blocks of each component as its sampling factors say. */
-qint64 blocksOf(const QByteArray& segment, QSize pixels)
+std::vector<Component> componentsOf(const QByteArray& segment, QSize pixels)
 {
+    std::vector<Component> components;
     Sampling most = {1, 1};
-    qint64 blocksOfUnit = 0;
     for (int i = 0; i < numberAt(segment, countAt, 1); ++i) {
         const Sampling sampling = samplingOf(segment, i);
         most = {std::max(most.across, sampling.across), std::max(most.down, sampling.down)};
-        blocksOfUnit += qint64(sampling.across) * sampling.down;
+        const int name = numberAt(segment, componentsAt + i * componentBytes, 1);
+        components.push_back({name, qint64(sampling.across) * sampling.down});
     }
     const auto units = [](int side, int factor) {
         return (side + factor * blockSide - 1) / (factor * blockSide);
     };
-    return blocksOfUnit * units(pixels.width(), most.across) * units(pixels.height(), most.down);
+    const qint64 all = qint64(units(pixels.width(), most.across)) * units(pixels.height(), most.down);
+    for (Component& component : components)
+        component.blocks *= all;
+    return components;
 }
 
 /** Walks over the markers as the decoder does: segments are passed over, what lies between them is searched.
@@ -118,7 +128,7 @@ private:
     void take(quint8 marker, const QByteArray& segment)
     {
         if (marker == startOfScan)
-            takeScan(numberAt(segment, 0, 1));
+            takeScan(segment);
         else if (const FrameKind* kind = frameKind(marker))
             takeFrame(*kind, segment);
     }
@@ -128,21 +138,32 @@ private:
         if (std::exchange(m_hasFrame, true))
             return; // the decoder gives up
         m_frame.pixels = QSize(numberAt(segment, widthAt, 2), numberAt(segment, heightAt, 2));
-        m_frame.blocks = blocksOf(segment, m_frame.pixels);
+        m_components = componentsOf(segment, m_frame.pixels);
+        for (const Component& component : m_components)
+            m_frame.blocks += component.blocks;
         m_frame.holdsCoefficients = kind.isProgressive;
         m_frame.isArithmetic = kind.isArithmetic;
-        m_components = numberAt(segment, countAt, 1);
     }
 
-    void takeScan(int components)
+    void takeScan(const QByteArray& segment)
     {
-        if (m_frame.scans++ == 0 && components < m_components)
+        const int count = numberAt(segment, 0, 1);
+        for (int i = 0; i < count; ++i)
+            m_frame.visits += blocksOf(numberAt(segment, 1 + i * 2, 1));
+        if (m_frame.scans++ == 0 && count < int(m_components.size()))
             m_frame.holdsCoefficients = true;
+    }
+
+    qint64 blocksOf(int name) const
+    {
+        const auto component = std::find_if(m_components.begin(), m_components.end(),
+                                            [name](const Component& one) { return one.name == name; });
+        return component == m_components.end() ? 0 : component->blocks; // the decoder gives up
     }
 
     JpegFrame m_frame;
     bool m_hasFrame = false;
-    int m_components = 0;
+    std::vector<Component> m_components;
 };
 
 } // namespace

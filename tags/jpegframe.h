@@ -10,8 +10,10 @@ struct JpegFrame {
     QSize pixels;
     /** Blocks of 8 by 8 samples of all components. */
     qint64 blocks = 0;
-    /** How often the blocks are gone through, at most: progressive pictures come in many scans. */
+    /** Progressive pictures come in many scans. */
     int scans = 0;
+    /** The blocks that the decoder goes through, all scans together. */
+    qint64 visits = 0;
     /** Whether the decoder holds the coefficients of every block until the last scan. */
     bool holdsCoefficients = false;
     /** Whether coefficients are coded arithmetically, which takes far longer and any number a byte. */

@@ -1,4 +1,5 @@
 #include "app/limits.h"
+#include "tags/coverpicture.h"
 #include "tags/jpegcoefficients.h"
 #include "tags/jpegframe.h"
 #include "tags/nearestpixels.h"
@@ -21,6 +22,9 @@ constexpr int arithmeticWeight = 256;
 struct Errors : jpeg_error_mgr {
     std::jmp_buf giveUp;
 };
+
+/** For each pixel of a cover its block and two neighbours in each direction, of four colours. */
+constexpr qint64 mostNeededBlocks = 4LL * (3 * coverPixels) * (3 * coverPixels);
 
 /** A block of the file becomes so many pixels in each direction. */
 constexpr int wholeBlock = DCTSIZE;
@@ -146,9 +150,10 @@ bool decode(jpeg_decompress_struct& decoder, Errors& errors, Gathering& gatherin
 /** Whether the time for a file's scans and the memory for what is held between them is bounded. */
 bool isAffordable(const JpegFrame& frame, qint64 fileBytes)
 {
-    const qint64 blocks = frame.blocks * (frame.isArithmetic ? arithmeticWeight : 1);
-    const qint64 held = frame.holdsCoefficients ? frame.blocks * JpegCoefficients::packedBytes : 0;
-    return frame.scans <= limits::jpegScans && blocks * frame.scans <= limits::jpegBlocks
+    const qint64 needed = std::min(frame.blocks, mostNeededBlocks) * qint64(sizeof(JpegCoefficients::Block));
+    const qint64 held = frame.holdsCoefficients ? needed + frame.blocks * JpegCoefficients::packedBytes : 0;
+    return frame.scans <= limits::jpegScans
+        && frame.visits * (frame.isArithmetic ? arithmeticWeight : 1) <= limits::jpegBlocks
         && fileBytes + held <= limits::pictureBytes
         && (!frame.holdsCoefficients || fileBytes <= limits::jpegScansBytes);
 }

@@ -57,7 +57,8 @@ void begin(png_structp decoder, png_infop info)
 {
     const qint64 width = png_get_image_width(decoder, info);
     const qint64 height = png_get_image_height(decoder, info);
-    if (width * height > limits::picturePixels)
+    if (width * height > limits::picturePixels
+        || qint64(png_get_rowbytes(decoder, info)) * height > limits::pngBytes)
         png_error(decoder, "too large");
     Gathering& gathering = gatheringOf(decoder);
     gathering.width = int(width);

@@ -121,6 +121,7 @@ inline QByteArray pngOf(QSize size, const QByteArray& rows, const PngKind& kind)
     png_structp encoder = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(encoder);
     png_set_write_fn(encoder, &file, append, nullptr);
+    png_set_compression_level(encoder, 1);
     png_set_IHDR(encoder, info, png_uint_32(size.width()), png_uint_32(size.height()), kind.bits,
                  kind.colourType, kind.isInterlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);

@@ -94,6 +94,15 @@ private slots:
             QCOMPARE(read(jpeg(Progressive, small, "\x11\x11\x11", scans)).scans, scans);
     }
 
+    void visitsAreThoseOfEachScansComponents()
+    {
+        const QByteArray file = jpeg(Progressive, {32, 48}, "\x22\x11\x11", 4);
+        QCOMPARE(read(file).visits, qint64(6 + 3 * 4) * 2 * 3);
+        QByteArray strange = file;
+        strange.replace(scan(1, false, true), scan(1, false, true).replace(5, 1, "\x9"));
+        QCOMPARE(read(strange).visits, qint64(6) * 2 * 3);
+    }
+
     void whatStandsInASegmentIsNoMarker()
     {
         const QByteArray thumbnail = jpeg(Progressive, QSize(16000, 16000), "\x11\x11\x11", 5);
