@@ -1,4 +1,5 @@
 #include "app/limits.h"
+#include "fuzz/pictureseeds.h"
 #include "link/packet.h"
 #include "tests/tags/jpegbuilder.h"
 
@@ -340,6 +341,9 @@ int main(int argc, char** argv)
     sessionSeeds();
     id3Seeds();
     flacSeeds();
+    int number = 0;
+    for (const QByteArray& picture : pictureSeeds())
+        seed("picture", QStringLiteral("file-%1").arg(++number), picture);
     oggSeeds();
     configSeeds();
     hostileConfigSeeds();

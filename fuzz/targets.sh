@@ -1,10 +1,10 @@
 # What run.sh and minimize.sh share; they source this file in the root of the repository.
 # The known inputs of a target are one archive, fuzz/corpus/TARGET.tar.gz.
 
-targets=(receive id3 flac ogg config ticker)
+targets=(receive id3 flac picture ogg config ticker)
 
 # The longest input of each in bytes: room for everything that its readers look at.
-declare -A longest=([receive]=4096 [id3]=8192 [flac]=8192 [ogg]=4096 [config]=4096 [ticker]=200)
+declare -A longest=([receive]=4096 [id3]=8192 [flac]=8192 [picture]=4096 [ogg]=4096 [config]=4096 [ticker]=200)
 
 # choose_targets TARGET...: `targets` are these, all when none is named.
 choose_targets() {
