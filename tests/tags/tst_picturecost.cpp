@@ -14,11 +14,14 @@ namespace {
 
 constexpr qint64 MiB = 1024 * 1024;
 
+/** Writes large pictures quickly. */
+constexpr int littlePacked = 80;
+
 QByteArray saved(const QImage& image, const char* format)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    if (!image.save(&buffer, format))
+    if (!image.save(&buffer, format, littlePacked))
         qFatal("no image plugin writes %s", format);
     return buffer.data();
 }
