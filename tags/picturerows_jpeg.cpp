@@ -116,9 +116,13 @@ JBLOCKARRAY accessBlocks(j_common_ptr, jvirt_barray_ptr blocks, JDIMENSION first
     return reinterpret_cast<JBLOCKARRAY>(const_cast<JpegCoefficients::Block**>(rows));
 }
 
-void prepare(jpeg_decompress_struct& decoder, Gathering& gathering)
+/** False where nothing shows so many colours. */
+bool prepare(jpeg_decompress_struct& decoder, Gathering& gathering)
 {
-    const Colours& colour = colours[std::min(std::size_t(decoder.num_components), colours.size() - 1)];
+    const auto components = std::size_t(decoder.num_components);
+    const Colours colour = components < colours.size() ? colours[components] : Colours();
+    if (colour.space == JCS_UNKNOWN)
+        return false;
     decoder.out_color_space = colour.space;
     decoder.scale_num = uint(gathering.blockPixels);
     decoder.scale_denom = wholeBlock;
@@ -126,6 +130,7 @@ void prepare(jpeg_decompress_struct& decoder, Gathering& gathering)
     const QSize picture(int(decoder.output_width), int(decoder.output_height));
     gathering.row = QImage(picture.width(), 1, colour.format);
     gathering.pixels.emplace(picture, gathering.size, colour.format);
+    return true;
 }
 
 /** False where the decoder gives up, by a jump that no destructor sees: what has one stands in `gathering`.
@@ -135,7 +140,8 @@ bool decode(jpeg_decompress_struct& decoder, Errors& errors, Gathering& gatherin
     if (setjmp(errors.giveUp) != 0)
         return false;
     jpeg_read_header(&decoder, TRUE);
-    prepare(decoder, gathering);
+    if (!prepare(decoder, gathering))
+        return false;
     jpeg_start_decompress(&decoder);
     while (decoder.output_scanline < decoder.output_height) {
         const int y = int(decoder.output_scanline);

@@ -2,7 +2,7 @@
 #include "tests/support/logcatcher.h"
 #include "tests/support/panelmain.h"
 #include "tests/tags/covers.h"
-#include "tests/tags/mediabuilder.h"
+#include "tests/tags/jpegbuilder.h"
 #include "tests/tags/peakmemory.h"
 
 using namespace MediaBuilder;
@@ -135,6 +135,9 @@ private slots:
         QTest::newRow("PNG without its first byte") << imageFile("PNG").mid(1);
         QTest::newRow("PNG without its end") << imageFile("PNG").chopped(12);
         QTest::newRow("PNG cut in the name of its end") << imageFile("PNG").chopped(5);
+        for (const int components : {0, 2, 5, 10, 11, 255})
+            QTest::addRow("JPEG of %d components", components)
+                << JpegBuilder::jpeg(JpegBuilder::Baseline, {40, 30}, QByteArray(components, '\x11'));
         QTest::newRow("PNG that begins with a text")
             << imageFile("PNG").insert(8, bytesOf("\0\0\0\0tEXt\x96\x42\xC5\x85"));
     }
