@@ -1,5 +1,6 @@
 #include "fuzz/pictureseeds.h"
 
+#include "tests/tags/jpegbuilder.h"
 #include "tests/tags/packedpictures.h"
 #include "tests/tags/pictureencoders.h"
 
@@ -34,7 +35,11 @@ QList<QByteArray> jpegs()
     }
     JpegKind oneByOne;
     oneByOne.isOneByOne = true;
-    return files << jpegOf(stripes(QImage::Format_RGB888), oneByOne);
+    JpegKind arithmetic;
+    arithmetic.isArithmetic = arithmetic.isProgressive = true;
+    return files << jpegOf(stripes(QImage::Format_RGB888), oneByOne)
+                 << jpegOf(stripes(QImage::Format_RGB888), arithmetic)
+                 << JpegBuilder::jpeg(JpegBuilder::Baseline, size, "\x11\x11");
 }
 
 QList<QByteArray> pngs()
