@@ -215,6 +215,8 @@ constexpr BoundsCase cases[] = {
      [](const QDir& f) {
          return cover(f, PackedPictures::gif({10, 10}, {10, 10}, 10 * MB));
      }},
+    {"GIF that empties its table 80,000,000 times",
+     [](const QDir& f) { return mp3Cover(f, PackedPictures::gifOfClears(80 * MB)); }},
     {"BMP of 32 MB of runs", [](const QDir& f) { return mp3Cover(f, bmpOfRuns(16 * MB)); }},
     {"PNG with 2,000,000 texts",
      [](const QDir& f) {

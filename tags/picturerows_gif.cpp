@@ -10,6 +10,7 @@
 #include <cstring>
 #include <gif_lib.h>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -65,6 +66,32 @@ bool findPicture(GifFileType* file, int* transparent)
             return false;
     }
     return false;
+}
+
+/** A file at its first picture; null where there is none. */
+File opened(Bytes& bytes, int* transparent)
+{
+    int error = 0;
+    File file(DGifOpen(&bytes, readBytes, &error));
+    return file && findPicture(file.get(), transparent) ? std::move(file) : nullptr;
+}
+
+/**
+ * Whether the decoder empties its table of codes a bounded number of times until it has all pixels. It takes
+ * as long for that as for a hundred pixels, and two bits of the file are enough to ask for it.
+ */
+bool clearsRarely(Bytes bytes)
+{
+    int unused = NO_TRANSPARENT_COLOR;
+    const File file = opened(bytes, &unused);
+    const int clear = 1 << bytes.at[-1]; // of the picture's head the last byte is read last
+    qint64 pixels = qint64(file->Image.Width) * file->Image.Height; // of which each other code gives some
+    int clears = 0;
+    for (int code = 0; pixels > 0 && clears <= limits::gifClears; code == clear ? ++clears : --pixels) {
+        if (DGifGetLZCodes(file.get(), &code) == GIF_ERROR || code < 0)
+            break;
+    }
+    return clears <= limits::gifClears;
 }
 
 /** An index without a colour is transparent. */
@@ -143,17 +170,17 @@ bool isAffordable(qint64 width, qint64 height)
 
 QImage PictureRows::gif(const QByteArray& file, QSize size)
 {
-    Bytes bytes = {file.constData(), file.size()};
-    int error = 0;
-    const File gif(DGifOpen(&bytes, readBytes, &error));
+    const Bytes start = {file.constData(), file.size()};
+    Bytes bytes = start;
     int transparent = NO_TRANSPARENT_COLOR;
-    if (!gif || !findPicture(gif.get(), &transparent))
+    const File gif = opened(bytes, &transparent);
+    if (!gif)
         return {};
     const GifImageDesc& picture = gif->Image;
     const QSize screen(gif->SWidth > 0 ? gif->SWidth : picture.Left + picture.Width,
                        gif->SHeight > 0 ? gif->SHeight : picture.Top + picture.Height);
     if (screen.isEmpty() || !isAffordable(screen.width(), screen.height())
-        || !isAffordable(picture.Width, picture.Height))
+        || !isAffordable(picture.Width, picture.Height) || !clearsRarely(start))
         return {};
     return drawn(gif.get(), screen, transparent, size);
 }

@@ -86,14 +86,37 @@ private:
     int m_width = 3;
 };
 
-/** A GIF of one red on a screen; each of its last codes stands for some 4,000 pixels. */
+constexpr quint32 gifClear = 4;
+
+/** A GIF of one red on a screen, with these codes. */
+inline Bytes gif(QSize screen, QSize picture, const GifCodes& codes)
+{
+    const auto size = [](QSize of) {
+        return littleEndian(quint32(of.width())).left(2) + littleEndian(quint32(of.height())).left(2);
+    };
+    return "GIF89a" + size(screen) + bytesOf("\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0") + size(picture)
+        + bytesOf("\0\2") + codes.blocks() + ';';
+}
+
+/** Of one pixel, before which the decoder's table is emptied so many times. */
+inline Bytes gifOfClears(int clears)
+{
+    GifCodes codes;
+    for (int i = 0; i < clears; ++i)
+        codes.add(gifClear);
+    codes.add(0);
+    for (int bits = 0; bits < 8; bits += 3)
+        codes.add(gifClear); // whole bytes alone are written
+    return gif({1, 1}, {1, 1}, codes);
+}
+
+/** Each of its last codes stands for some 4,000 pixels. */
 inline Bytes gif(QSize screen, QSize picture, int lastCodes)
 {
-    constexpr quint32 clear = 4;
     constexpr quint32 firstNew = 6;
     constexpr quint32 lastNew = 4095;
     GifCodes codes;
-    codes.add(clear);
+    codes.add(gifClear);
     codes.add(0);
     for (quint32 code = firstNew; code < lastNew;
          ++code) { // each stands for a pixel more than the one before
@@ -103,11 +126,7 @@ inline Bytes gif(QSize screen, QSize picture, int lastCodes)
     }
     for (int i = 0; i < lastCodes; ++i)
         codes.add(lastNew - 1);
-    const auto size = [](QSize of) {
-        return littleEndian(quint32(of.width())).left(2) + littleEndian(quint32(of.height())).left(2);
-    };
-    return "GIF89a" + size(screen) + bytesOf("\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0") + size(picture)
-        + bytesOf("\0\2") + codes.blocks() + ';';
+    return gif(screen, picture, codes);
 }
 
 } // namespace PackedPictures

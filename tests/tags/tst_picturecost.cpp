@@ -106,6 +106,8 @@ private slots:
             << saved(quarters(4096, 4096).convertToFormat(QImage::Format_RGBA64), "PNG") << 2;
         QTest::newRow("PNG of 32 megapixels") << saved(QImage(quarters(8192, 4096)), "PNG") << 2;
         QTest::newRow("GIF of 32 megapixels") << gif(8192, 4096) << 2;
+        QTest::newRow("GIF that empties its table as often as may be")
+            << PackedPictures::gifOfClears(limits::gifClears) << 2;
     }
     void withinTheBoundsPicturesLoad()
     {
@@ -132,6 +134,8 @@ private slots:
             << saved(quarters(4096, 4097).convertToFormat(QImage::Format_RGBA64), "PNG");
         QTest::newRow("GIF on 33 megapixels") << gif(8192, 4097);
         QTest::newRow("GIF of 33 megapixels on fewer") << PackedPictures::gif({10, 10}, {8192, 4097}, 1);
+        QTest::newRow("GIF that empties its table too often")
+            << PackedPictures::gifOfClears(limits::gifClears + 1);
         QTest::newRow("XPM of many bytes")
             << saved(QImage(quarters(60, 60)), "XPM") + QByteArray(limits::textPictureBytes, ' ');
         QTest::newRow("BMP of many bytes")
