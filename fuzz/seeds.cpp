@@ -168,7 +168,7 @@ QList<QByteArray> costlyImages()
     using namespace JpegBuilder;
     const Bytes remarks = segment(Remark, "a: b").repeated(3) + segment(Exif, "camera");
     return {jpeg(Progressive, {64, 40}, "\x22\x11\x11", 5),
-            jpeg(Progressive, {5790, 5790}, "\x11\x11\x11\x11", 3),
+            jpeg(Progressive, {16000, 16000}, "\x11\x11\x11\x11", 3),
             jpeg(Progressive, {64, 40}, "\x11", 300),
             jpeg(Baseline, {64, 40}, "\x41\x12\x11", 1, remarks),
             jpeg(Arithmetic, {64, 40}, "\x11"),

@@ -52,7 +52,7 @@ run_target() {
     local target=$1 program=build/fuzz/bin/fuzz-$1 log=build/fuzz/$1.log
     local interesting='^#[0-9]+\s+(INITED|pulse|DONE)|^FINDING|ERROR|SUMMARY|^Done|^MERGE-OUTER:.*new files'
     shift
-    if ! nice -n 10 "$program" -rss_limit_mb=1024 -timeout=10 -max_len="${longest[$target]}" -close_fd_mask=2 \
+    if ! nice -n 10 "$program" -rss_limit_mb=1024 -timeout=60 -max_len="${longest[$target]}" -close_fd_mask=2 \
         -artifact_prefix=build/fuzz/findings/"$target"/ "$@" 2>&1 \
         | tee "$log" | { grep --line-buffered -E "$interesting" || true; }; then
         local input

@@ -26,8 +26,18 @@ constexpr quint64 spread(quint64 bits)
 }
 static_assert(gathered(spread(0b1010)) == 0b1010);
 
+/** Of all but the first; most blocks have none. */
+bool hasNone(const Block& block)
+{
+    static constexpr Block zeros;
+    constexpr std::size_t bytes = sizeof zeros.coefficients - sizeof zeros.coefficients.front();
+    return std::memcmp(&block.coefficients[1], &zeros.coefficients[1], bytes) == 0;
+}
+
 quint64 nonZeroOf(const Block& block)
 {
+    if (hasNone(block))
+        return 0;
     quint64 flags = 0;
     for (int group = 0; group < groups; ++group) {
         quint64 four = 0;
@@ -40,6 +50,9 @@ quint64 nonZeroOf(const Block& block)
 
 void fill(Block& block, quint64 nonZero)
 {
+    block = Block();
+    if (nonZero == 0)
+        return;
     for (int group = 0; group < groups; ++group) {
         const quint64 four = spread(nonZero >> (group * lanes) & 0xFU);
         std::memcpy(block.coefficients.data() + group * lanes, &four, sizeof four);
