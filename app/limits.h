@@ -98,7 +98,7 @@ constexpr int jpegPixels = 16 * 1024 * 1024;
 constexpr int jpegScans = 256;
 
 /** a JPEG's blocks, each as often as a scan passes it; the decoder needs up to 50 ns for each of them */
-constexpr int jpegBlocks = 16 * 1024 * 1024;
+constexpr int jpegBlocks = 12 * 1024 * 1024;
 
 /** of a JPEG in several scans, where each byte may change many coefficients */
 constexpr int jpegScansBytes = 16 * 1024 * 1024;

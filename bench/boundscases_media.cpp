@@ -193,9 +193,14 @@ constexpr BoundsCase cases[] = {
     {"progressive JPEG of grain", [](const QDir& f) { return cover(f, progressiveJpeg(grain(3950, 8))); }},
     {"progressive JPEG of 16 megapixels of grain",
      [](const QDir& f) { return cover(f, progressiveJpeg(grain(4096, 7))); }},
-    {"progressive JPEG, 60 scans of a grey of 16 megapixels",
+    {"progressive JPEG, 45 scans of a grey of 16 megapixels",
      [](const QDir& f) {
-         return cover(f, jpeg(Progressive, {4096, 4096}, "\x11", 60));
+         return cover(f, jpeg(Progressive, {4096, 4096}, "\x11", 45));
+     }},
+    {"progressive JPEG of 16 megapixels of grey grain, 38 scans more",
+     [](const QDir& f) {
+         const QByteArray file = progressiveJpeg(grain(4096, 5).convertToFormat(QImage::Format_Grayscale8));
+         return cover(f, file.chopped(2) + scan(1, true, true).repeated(38));
      }},
     {"JPEG with 16 MB of remarks",
      [](const QDir& f) {

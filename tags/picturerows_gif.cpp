@@ -151,9 +151,9 @@ QImage drawn(GifFileType* file, QSize screen, int transparent, QSize size)
     forRows(picture, [&](int row) {
         if (DGifGetLine(file, indices.data(), picture.Width) == GIF_ERROR)
             return false;
-        QRgb* pixel = pixelsOf(line.bits()) + picture.Left;
+        QRgb* const pixel = pixelsOf(line.bits());
         for (int x = 0; x < shown; ++x)
-            pixel[x] = palette[indices[std::size_t(x)]];
+            pixel[picture.Left + x] = palette[indices[std::size_t(x)]];
         pixels.take(picture.Top + row, line);
         isEmpty = false;
         return true;
