@@ -228,6 +228,12 @@ constexpr BoundsCase cases[] = {
          QByteArray file = png(64, QImage::Format_RGB32);
          return mp3Cover(f, file.insert(33, bytesOf("\0\0\0\0tEXt\x96\x42\xC5\x85").repeated(2 * MB)));
      }},
+    {"PNG of 32 MB of a text that breaks off",
+     [](const QDir& f) {
+         const QByteArray file = png(64, QImage::Format_RGB32);
+         const QByteArray text = bytesOf("\x40\0\0\0tEXt") + QByteArray(32 * MB, '\0');
+         return mp3Cover(f, file.chopped(12) + text + file.right(12).chopped(4));
+     }},
     {"XBM of 6 MB",
      [](const QDir& f) {
          return cover(f,

@@ -3,7 +3,10 @@
 #include "tags/nearestpixels.h"
 #include "tags/picturerows.h"
 
+#include <QtEndian>
+
 #include <csetjmp>
+#include <cstring>
 #include <optional>
 #include <png.h>
 
@@ -91,14 +94,23 @@ void end(png_structp decoder, png_infop)
     gathering.isWhole = gathering.missingRows == 0;
 }
 
-/** The file with its last checksum, where that is missing or broken off: the toolkit does without it. */
-QByteArray completed(const QByteArray& file)
+// A part of a file: the length of its data, its name, the data, a checksum.
+constexpr int lengthBytes = 4;
+constexpr int partStartBytes = 8;
+constexpr int checksumBytes = 4;
+
+/** Where the part stands that ends a file; nothing where the parts before it are longer than the file. */
+std::optional<qint64> findEnd(const QByteArray& file)
 {
-    constexpr char lastPart[] = "IEND";
-    constexpr char checksum[] = "\xAE\x42\x60\x82";
-    constexpr int longestRest = 7;
-    const auto at = file.right(longestRest).lastIndexOf(lastPart);
-    return at < 0 ? file : file.left(file.lastIndexOf(lastPart)) + lastPart + checksum;
+    constexpr int firstPartAt = 8;
+    constexpr char name[] = "IEND";
+    for (qint64 at = firstPartAt; at + partStartBytes <= file.size();) {
+        const char* part = file.constData() + at;
+        if (std::memcmp(part + lengthBytes, name, sizeof name - 1) == 0)
+            return at;
+        at += partStartBytes + qint64(qFromBigEndian<quint32>(part)) + checksumBytes;
+    }
+    return std::nullopt;
 }
 
 bool beginsWithHeader(const QByteArray& file)
@@ -109,12 +121,24 @@ bool beginsWithHeader(const QByteArray& file)
 }
 
 /** Returns early where the decoder gives up, by a jump that no destructor sees: what has one is elsewhere. */
-void decode(png_structp decoder, png_infop info, const QByteArray& file)
+void decode(png_structp decoder, png_infop info, const QByteArray& start, const QByteArray& rest)
 {
-    if (setjmp(png_jmpbuf(decoder)) == 0) {
-        auto* bytes = reinterpret_cast<png_bytep>(const_cast<char*>(file.constData())); // it only reads them
-        png_process_data(decoder, info, bytes, std::size_t(file.size()));
+    if (setjmp(png_jmpbuf(decoder)) != 0)
+        return;
+    for (const QByteArray* bytes : {&start, &rest}) {
+        auto* data = reinterpret_cast<png_bytep>(const_cast<char*>(bytes->constData())); // it only reads them
+        png_process_data(decoder, info, data, std::size_t(bytes->size()));
     }
+}
+
+/** The toolkit does without the last checksum, where that is missing or broken off. */
+void decode(png_structp decoder, png_infop info, const QByteArray& file, qint64 endAt)
+{
+    constexpr char checksum[] = "\xAE\x42\x60\x82";
+    const qint64 checksumAt = endAt + partStartBytes;
+    const bool isWhole = checksumAt + checksumBytes <= file.size();
+    decode(decoder, info, bytesAt(file, 0, isWhole ? file.size() : checksumAt),
+           isWhole ? QByteArray() : QByteArray(checksum));
 }
 
 } // namespace
@@ -127,6 +151,9 @@ QImage PictureRows::png(const QByteArray& file, QSize size)
 {
     if (!beginsWithHeader(file))
         return {}; // the decoder asks for it only before parts that are not passed over here
+    const auto endAt = findEnd(file);
+    if (!endAt)
+        return {}; // the decoder would keep a part that breaks off twice, and wait for the rest
     Gathering gathering;
     gathering.size = size;
     png_structp decoder = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, giveUp, sayNothing);
@@ -134,7 +161,7 @@ QImage PictureRows::png(const QByteArray& file, QSize size)
     png_set_option(decoder, PNG_MAXIMUM_INFLATE_WINDOW, PNG_OPTION_ON);
     png_set_keep_unknown_chunks(decoder, PNG_HANDLE_CHUNK_NEVER, nullptr, -1); // texts, camera data, profiles
     png_set_progressive_read_fn(decoder, &gathering, begin, takeRow, end);
-    decode(decoder, info, completed(file));
+    decode(decoder, info, file, *endAt);
     png_destroy_read_struct(&decoder, &info, nullptr);
     return gathering.isWhole ? gathering.pixels->image() : QImage();
 }

@@ -66,6 +66,15 @@ QByteArray gif(int width, int height)
         + bytesOf("\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
 }
 
+/** A PNG with a further part before its end, which has no checksum. */
+QByteArray pngBreakingOff(const QByteArray& part)
+{
+    constexpr int endBytes = 12;
+    constexpr int checksumBytes = 4;
+    QByteArray file = saved(quarters(60, 60), "PNG").chopped(checksumBytes);
+    return file.insert(file.size() - (endBytes - checksumBytes), part);
+}
+
 } // namespace
 
 class PictureCostTest : public QObject {
@@ -105,6 +114,8 @@ private slots:
         QTest::newRow("PNG of 16 megapixels, 16 bits a channel")
             << saved(quarters(4096, 4096).convertToFormat(QImage::Format_RGBA64), "PNG") << 2;
         QTest::newRow("PNG of 32 megapixels") << saved(QImage(quarters(8192, 4096)), "PNG") << 2;
+        QTest::newRow("PNG of 30 MB, without its last checksum")
+            << pngBreakingOff(PackedPictures::pngPart("tEXt", "a" + QByteArray(30 * MiB, '\0'))) << 2;
         QTest::newRow("GIF of 32 megapixels") << gif(8192, 4096) << 2;
         QTest::newRow("GIF that empties its table as often as may be")
             << PackedPictures::gifOfClears(limits::gifClears) << 2;
@@ -132,6 +143,8 @@ private slots:
         QTest::newRow("PNG of 33 megapixels") << saved(QImage(8192, 4097, QImage::Format_Mono), "PNG");
         QTest::newRow("PNG of 17 megapixels, 16 bits a channel")
             << saved(quarters(4096, 4097).convertToFormat(QImage::Format_RGBA64), "PNG");
+        QTest::newRow("PNG of 30 MB whose text is longer still")
+            << pngBreakingOff(bigEndian(1U << 30) + "tEXta" + QByteArray(30 * MiB, '\0'));
         QTest::newRow("GIF on 33 megapixels") << gif(8192, 4097);
         QTest::newRow("GIF of 33 megapixels on fewer") << PackedPictures::gif({10, 10}, {8192, 4097}, 1);
         QTest::newRow("GIF that empties its table too often")
