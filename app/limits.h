@@ -123,6 +123,9 @@ constexpr int flacBlocks = 4096;
 /** of all the comment headers of a file; a chained stream has about ten for each track */
 constexpr int vorbisComments = 100 * 1000;
 
+/** of these comments, each as far as it is decoded, which takes some nanoseconds a byte */
+constexpr int vorbisBytes = 64 * 1024 * 1024;
+
 /** of an Ogg file, which is walked to its end: many hours of sound */
 constexpr int oggBytes = 512 * 1024 * 1024;
 

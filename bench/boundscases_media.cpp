@@ -273,6 +273,12 @@ constexpr BoundsCase cases[] = {
      [](const QDir& f) {
          return written(f, "case.ogg", (oggHeader(lacing({1, 1})) + '.').repeated(3 * MB));
      }},
+    {"Ogg of 240 MB of titles that are no text",
+     [](const QDir& f) {
+         const QByteArray title = "TITLE=" + QByteArray(49000, '\xFF');
+         const QByteArray page = oggPage({oggComment(vorbisComments({title})), "."});
+         return written(f, "case.ogg", page.repeated(240 * MB / int(page.size())));
+     }},
     {"Ogg with 20,000,000 titles",
      [](const QDir& f) {
          const QByteArray header =

@@ -63,7 +63,11 @@ void walkComments(const QByteArray& block, qint64 position, quint32 count, Vorbi
         position = begin + length;
         if (position > block.size())
             return;
-        storeComment(utf8UntilZero(bytesAt(block, begin, std::min(length, maxCommentBytes))), sink);
+        const QByteArray comment = bytesAt(block, begin, std::min(length, maxCommentBytes));
+        sink.bytesLeft -= comment.size();
+        if (sink.bytesLeft < 0)
+            return;
+        storeComment(utf8UntilZero(comment), sink);
     }
 }
 

@@ -5,7 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
-/** Where the texts of comment headers go, how their log lines begin, and how many comments are still read. */
+/** Where the texts of comment headers go, how their log lines begin, and how many comments, of how
+ * many bytes, are still read. */
 struct VorbisCommentSink {
     QString* title;
     QString* artist;
@@ -13,6 +14,7 @@ struct VorbisCommentSink {
     const char* prefix;
     const char* vendorPrefix;
     int commentsLeft = limits::vorbisComments;
+    qint64 bytesLeft = limits::vorbisBytes;
 };
 
 /**

@@ -196,6 +196,19 @@ private slots:
         QCOMPARE(titleBehind(limits::vorbisComments / each), QString());
     }
 
+    void bytesOfAllCommentsOfAFileCountTogether()
+    {
+        const int each = 32 * 1024;
+        const QByteArray header = oggComment(vorbisComments({"A=" + QByteArray(each - 2, 'x')}));
+        const auto titleBehind = [&header](int headers) {
+            return OggReading(oggPage({header, "."}).repeated(headers)
+                              + oggPage({oggComment(vorbisComments({"TITLE=x"}))}))
+                .title;
+        };
+        QCOMPARE(titleBehind(limits::vorbisBytes / each - 1), QStringLiteral("x"));
+        QCOMPARE(titleBehind(limits::vorbisBytes / each), QString());
+    }
+
     void flacBlocksAreReadUpToTheirBound()
     {
         const auto reading = [](int blocksBefore) {
