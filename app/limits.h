@@ -57,8 +57,8 @@ constexpr int aliveMs = 1000;
 
 // texts that show
 
-/** a piece that shows holds some tens; only of characters without width are there so many to measure */
-constexpr int pieceCharacters = 4096;
+/** a piece that shows holds some tens; marks fit without end, and placing them takes the square of them */
+constexpr int pieceCharacters = 1024;
 
 /** of a text that is centred on its label: too wide, it shows its middle, which more than fits decides */
 constexpr int centredCharacters = 1024;
