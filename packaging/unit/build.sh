@@ -3,6 +3,7 @@
 # A package of the panel that is there already is taken with PANEL_DEB=FILE.
 # Usage: packaging/unit/build.sh [amd64|arm64|armhf]
 set -euo pipefail
+shopt -s inherit_errexit # a package is not made of what an earlier build left
 . "$(dirname "$0")/../../tools/usage.sh"
 cd "$(dirname "$0")/../.."
 here=packaging/unit
