@@ -88,9 +88,6 @@ constexpr int picturePixels = 32 * 1024 * 1024;
 /** of a PNG, whose pixels take up to eight bytes; unpacking more takes too long */
 constexpr int pngBytes = 128 * 1024 * 1024;
 
-/** how often a GIF may empty its decoder's table; encoders do so after hundreds or thousands of pixels */
-constexpr int gifClears = 256 * 1024;
-
 /** of a JPEG that is decoded whole; the decoder itself reduces a larger one on the way */
 constexpr int jpegPixels = 16 * 1024 * 1024;
 

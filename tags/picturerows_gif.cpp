@@ -1,112 +1,141 @@
 #include "app/limits.h"
 #include "app/pixels.h"
+#include "tags/bytesat.h"
+#include "tags/lzw.h"
 #include "tags/nearestpixels.h"
 #include "tags/picturerows.h"
+#include "tags/touint.h"
 
 #include <QRect>
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <gif_lib.h>
-#include <memory>
-#include <utility>
-#include <vector>
+#include <optional>
 
 namespace {
 
+constexpr int noIndex = -1;
+constexpr int screenAt = 6;
+constexpr quint8 extension = '!';
+constexpr quint8 pictureStart = ',';
+constexpr quint8 graphicControl = 0xF9;
+constexpr int mostIndexBits = 8;
+
 using Palette = std::array<QRgb, 256>;
 
-struct Bytes {
-    const char* at;
-    qint64 left;
+/** Goes through the bytes of a file; behind its end they are zero. */
+class Cursor {
+public:
+    Cursor(const QByteArray& file, qint64 at)
+        : m_file(file)
+        , m_at(at)
+    {
+    }
+
+    int number(int bytes) { return int(toUInt(take(bytes), false)); }
+    QByteArray take(qint64 bytes)
+    {
+        const QByteArray taken = bytesAt(m_file, m_at, bytes);
+        m_at += bytes;
+        return taken;
+    }
+    QByteArray rest() { return take(m_file.size()); }
+
+private:
+    const QByteArray& m_file;
+    qint64 m_at;
 };
 
-int readBytes(GifFileType* file, GifByteType* to, int count)
-{
-    auto* bytes = static_cast<Bytes*>(file->UserData);
-    const int read = int(std::min(qint64(count), bytes->left));
-    std::memcpy(to, bytes->at, std::size_t(read));
-    bytes->at += read;
-    bytes->left -= read;
-    return read;
-}
-
-struct Close {
-    void operator()(GifFileType* file) const { DGifCloseFile(file, nullptr); }
+/** The first picture of a file, and the screen on which it is drawn. */
+struct Picture {
+    QSize screen;
+    QRect place;
+    bool isInterlaced = false;
+    int transparent = noIndex;
+    Palette palette = {}; ///< an index without a colour is transparent
+    QRgb background = 0;
+    int indexBits = 0;
+    QByteArray blocks;
 };
-using File = std::unique_ptr<GifFileType, Close>;
 
-/** The index that is transparent goes to `transparent` where the extension names one. */
-bool readExtension(GifFileType* file, int* transparent)
+/** The lowest bits of `flags` say how long the palette is that follows, the highest whether one does. */
+std::optional<Palette> readPalette(Cursor& bytes, int flags)
 {
-    int code = 0;
-    GifByteType* block = nullptr;
-    if (DGifGetExtension(file, &code, &block) == GIF_ERROR)
-        return false;
-    GraphicsControlBlock control;
-    if (code == GRAPHICS_EXT_FUNC_CODE && block
-        && DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK)
-        *transparent = control.TransparentColor;
-    while (block) {
-        if (DGifGetExtensionNext(file, &block) == GIF_ERROR)
-            return false;
-    }
-    return true;
-}
-
-/** Goes to the first picture; false where there is none. */
-bool findPicture(GifFileType* file, int* transparent)
-{
-    GifRecordType type = UNDEFINED_RECORD_TYPE;
-    while (DGifGetRecordType(file, &type) == GIF_OK) {
-        if (type == IMAGE_DESC_RECORD_TYPE)
-            return DGifGetImageDesc(file) == GIF_OK;
-        if (type != EXTENSION_RECORD_TYPE || !readExtension(file, transparent))
-            return false;
-    }
-    return false;
-}
-
-/** A file at its first picture; null where there is none. */
-File opened(Bytes& bytes, int* transparent)
-{
-    int error = 0;
-    File file(DGifOpen(&bytes, readBytes, &error));
-    return file && findPicture(file.get(), transparent) ? std::move(file) : nullptr;
-}
-
-/**
- * Whether the decoder empties its table of codes a bounded number of times until it has all pixels. It takes
- * as long for that as for a hundred pixels, and two bits of the file are enough to ask for it.
- */
-bool clearsRarely(Bytes bytes)
-{
-    int unused = NO_TRANSPARENT_COLOR;
-    const File file = opened(bytes, &unused);
-    const int clear = 1 << bytes.at[-1]; // of the picture's head the last byte is read last
-    qint64 pixels = qint64(file->Image.Width) * file->Image.Height; // of which each other code gives some
-    int clears = 0;
-    for (int code = 0; pixels > 0 && clears <= limits::gifClears; code == clear ? ++clears : --pixels) {
-        if (DGifGetLZCodes(file.get(), &code) == GIF_ERROR || code < 0)
-            break;
-    }
-    return clears <= limits::gifClears;
-}
-
-/** An index without a colour is transparent. */
-Palette paletteOf(const ColorMapObject* map, int transparent)
-{
+    if ((flags & 0x80) == 0)
+        return std::nullopt;
     Palette palette = {};
-    for (int i = 0; map && i < map->ColorCount; ++i) {
-        const GifColorType& colour = map->Colors[i];
-        palette[std::size_t(i)] = qRgba(colour.Red, colour.Green, colour.Blue, i == transparent ? 0 : 255);
+    const int colours = 2 << (flags & 7);
+    for (int i = 0; i < colours; ++i) {
+        const int red = bytes.number(1);
+        const int green = bytes.number(1);
+        palette[std::size_t(i)] = qRgb(red, green, bytes.number(1));
     }
     return palette;
 }
 
+void readExtension(Cursor& bytes, Picture& result)
+{
+    const bool isControl = bytes.number(1) == graphicControl;
+    for (int length = bytes.number(1); length > 0; length = bytes.number(1)) {
+        const QByteArray block = bytes.take(length);
+        if (isControl && block.size() >= 4)
+            result.transparent = (block.at(0) & 1) != 0 ? quint8(block.at(3)) : noIndex;
+    }
+}
+
+void readPlace(Cursor& bytes, Picture& result)
+{
+    const int left = bytes.number(2);
+    const int top = bytes.number(2);
+    const int width = bytes.number(2);
+    result.place = QRect(left, top, width, bytes.number(2));
+    if (result.screen.width() == 0)
+        result.screen.setWidth(left + width);
+    if (result.screen.height() == 0)
+        result.screen.setHeight(top + result.place.height());
+}
+
+/** The toolkit shows the background's colour only where the picture leaves a part of the screen free. */
+QRgb background(const Picture& picture, const Palette& shared, int index)
+{
+    const bool isCovered = picture.place == QRect({}, picture.screen);
+    return isCovered || picture.transparent != noIndex ? 0 : shared[std::size_t(index)];
+}
+
+std::optional<Picture> firstPicture(const QByteArray& file)
+{
+    Picture result;
+    Cursor bytes(file, screenAt);
+    const int width = bytes.number(2);
+    result.screen = QSize(width, bytes.number(2));
+    const int flags = bytes.number(1);
+    const int backgroundIndex = bytes.number(1);
+    bytes.take(1); // the shape of a pixel
+    const Palette shared = readPalette(bytes, flags).value_or(Palette());
+    int kind = bytes.number(1);
+    for (; kind == extension; kind = bytes.number(1))
+        readExtension(bytes, result);
+    if (kind != pictureStart)
+        return std::nullopt;
+    readPlace(bytes, result);
+    const int ownFlags = bytes.number(1);
+    result.isInterlaced = (ownFlags & 0x40) != 0;
+    result.palette = readPalette(bytes, ownFlags).value_or(shared);
+    if (result.transparent != noIndex)
+        result.palette[std::size_t(result.transparent)] &= qRgba(255, 255, 255, 0);
+    result.background = background(result, shared, backgroundIndex);
+    result.indexBits = bytes.number(1);
+    result.blocks = bytes.rest();
+    return result;
+}
+
+bool isAffordable(QSize size)
+{
+    return qint64(size.width()) * size.height() <= limits::picturePixels;
+}
+
 /** Goes through the rows of a picture in the order of its file until `read` says that there are no more. */
-template <typename Read> void forRows(const GifImageDesc& picture, Read read)
+template <typename Read> void forRows(const Picture& picture, Read read)
 {
     struct Pass {
         int first;
@@ -114,73 +143,58 @@ template <typename Read> void forRows(const GifImageDesc& picture, Read read)
     };
     constexpr Pass whole[] = {{0, 1}};
     constexpr Pass interlaced[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
-    const Pass* pass = picture.Interlace ? interlaced : whole;
-    const Pass* const end = picture.Interlace ? std::end(interlaced) : std::end(whole);
+    const Pass* pass = picture.isInterlaced ? interlaced : whole;
+    const Pass* const end = picture.isInterlaced ? std::end(interlaced) : std::end(whole);
     for (; pass != end; ++pass) {
-        for (int row = pass->first; row < picture.Height; row += pass->step) {
+        for (int row = pass->first; row < picture.place.height(); row += pass->step) {
             if (!read(row))
                 return;
         }
     }
 }
 
-/** What shows where no picture is; the toolkit asks for it only where a picture leaves a part of the screen
- * free. */
-QRgb background(const GifFileType& file, QSize screen, int transparent)
+/** Draws the pixels of a row on the screen's line; gives how many there were before the codes broke off. */
+int drawRow(Lzw& codes, const Picture& picture, QImage& line)
 {
-    const GifImageDesc& picture = file.Image;
-    const bool isFree = QRect(picture.Left, picture.Top, picture.Width, picture.Height) != QRect({}, screen);
-    const bool isColour = isFree && transparent == NO_TRANSPARENT_COLOR;
-    return isColour ? paletteOf(file.SColorMap, transparent)[std::size_t(file.SBackGroundColor)] : 0;
+    QRgb* const pixels = pixelsOf(line.bits());
+    for (int x = 0; x < picture.place.width(); ++x) {
+        const int index = codes.next();
+        if (index < 0)
+            return x;
+        if (picture.place.left() + x < line.width())
+            pixels[picture.place.left() + x] = picture.palette[std::size_t(index)];
+    }
+    return picture.place.width();
 }
 
-/** Up to where the rows break off; null where not even one is there. */
-QImage drawn(GifFileType* file, QSize screen, int transparent, QSize size)
+/** As far as the codes go. */
+QImage drawn(const Picture& picture, QSize size)
 {
-    const GifImageDesc& picture = file->Image;
-    const Palette palette = paletteOf(picture.ColorMap ? picture.ColorMap : file->SColorMap, transparent);
-    const bool isOpaque = transparent == NO_TRANSPARENT_COLOR;
-    QImage line(screen.width(), 1, isOpaque ? QImage::Format_RGB32 : QImage::Format_ARGB32);
-    line.fill(background(*file, screen, transparent));
-    NearestPixels pixels(screen, size, line.format());
+    const bool isOpaque = picture.transparent == noIndex;
+    QImage line(picture.screen.width(), 1, isOpaque ? QImage::Format_RGB32 : QImage::Format_ARGB32);
+    line.fill(picture.background);
+    const QImage empty = line;
+    NearestPixels pixels(picture.screen, size, line.format());
     for (const int y : pixels.rows())
-        pixels.take(y, line);
-    std::vector<GifByteType> indices(std::size_t(picture.Width));
-    const int shown = std::min(picture.Width, screen.width() - picture.Left);
-    bool isEmpty = true;
+        pixels.take(y, empty);
+    Lzw codes(picture.blocks, picture.indexBits);
     forRows(picture, [&](int row) {
-        if (DGifGetLine(file, indices.data(), picture.Width) == GIF_ERROR)
-            return false;
-        QRgb* const pixel = pixelsOf(line.bits());
-        for (int x = 0; x < shown; ++x)
-            pixel[picture.Left + x] = palette[indices[std::size_t(x)]];
-        pixels.take(picture.Top + row, line);
-        isEmpty = false;
-        return true;
+        line = empty;
+        const int drawnPixels = drawRow(codes, picture, line);
+        pixels.take(picture.place.top() + row, line);
+        return drawnPixels == picture.place.width();
     });
-    return isEmpty ? QImage() : pixels.image();
-}
-
-bool isAffordable(qint64 width, qint64 height)
-{
-    return width * height <= limits::picturePixels;
+    return pixels.image();
 }
 
 } // namespace
 
 QImage PictureRows::gif(const QByteArray& file, QSize size)
 {
-    const Bytes start = {file.constData(), file.size()};
-    Bytes bytes = start;
-    int transparent = NO_TRANSPARENT_COLOR;
-    const File gif = opened(bytes, &transparent);
-    if (!gif)
-        return {};
-    const GifImageDesc& picture = gif->Image;
-    const QSize screen(gif->SWidth > 0 ? gif->SWidth : picture.Left + picture.Width,
-                       gif->SHeight > 0 ? gif->SHeight : picture.Top + picture.Height);
-    if (screen.isEmpty() || !isAffordable(screen.width(), screen.height())
-        || !isAffordable(picture.Width, picture.Height) || !clearsRarely(start))
-        return {};
-    return drawn(gif.get(), screen, transparent, size);
+    const auto picture = firstPicture(file);
+    constexpr int oneByte = 2; // behind its length
+    const bool isReadable = picture && picture->blocks.size() >= oneByte && picture->indexBits >= 1
+        && picture->indexBits <= mostIndexBits && !picture->screen.isEmpty() && isAffordable(picture->screen)
+        && isAffordable(picture->place.size());
+    return isReadable ? drawn(*picture, size) : QImage();
 }

@@ -6,11 +6,11 @@ set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 
 declare -A packages=(
-    [build]="g++ cmake ninja-build qt6-base-dev qt6-5compat-dev qt6-scxml-dev libjpeg-dev libpng-dev libgif-dev fonts-unifont"
-    [test]="lame eyed3 ffmpeg flac vorbis-tools iproute2 net-tools librsvg2-bin python3 tshark xvfb openbox xdotool x11-utils"
+    [build]="g++ cmake ninja-build qt6-base-dev qt6-5compat-dev qt6-scxml-dev libjpeg-dev libpng-dev fonts-unifont"
+    [test]="libgif-dev lame eyed3 ffmpeg flac vorbis-tools iproute2 net-tools librsvg2-bin python3 tshark xvfb openbox xdotool x11-utils"
     [qt5]="qtbase5-dev"
     [check]="clang-format clang-tidy valgrind shellcheck pyflakes3"
-    [fuzz]="clang libclang-rt-dev"
+    [fuzz]="clang libclang-rt-dev libgif-dev"
     [package]="dpkg-dev fakeroot lintian"
     [cross]="g++-arm-linux-gnueabihf g++-aarch64-linux-gnu qemu-user-static dpkg-dev"
     [bench]="libbenchmark-dev libtag1-dev lcdproc pkgconf"

@@ -32,7 +32,7 @@ check_emulator() {
 
 # A foreign package cannot look up what its program needs: that is the table of docs/unit.md.
 foreign_package() {
-    local needs="libqt6widgets6, libqt6network6, libqt6statemachine6, libqt6core5compat6, libjpeg62-turbo, libpng16-16, libgif7"
+    local needs="libqt6widgets6, libqt6network6, libqt6statemachine6, libqt6core5compat6, libjpeg62-turbo, libpng16-16"
     needs+=", fonts-unifont, net-tools, systemd"
     tools/setup.sh build cross package
     packaging/sysroot.sh "$arch"

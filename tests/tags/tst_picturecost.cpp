@@ -117,8 +117,6 @@ private slots:
         QTest::newRow("PNG of 30 MB, without its last checksum")
             << pngBreakingOff(PackedPictures::pngPart("tEXt", "a" + QByteArray(30 * MiB, '\0'))) << 2;
         QTest::newRow("GIF of 32 megapixels") << gif(8192, 4096) << 2;
-        QTest::newRow("GIF that empties its table as often as may be")
-            << PackedPictures::gifOfClears(limits::gifClears) << 2;
     }
     void withinTheBoundsPicturesLoad()
     {
@@ -147,8 +145,6 @@ private slots:
             << pngBreakingOff(bigEndian(1U << 30) + "tEXta" + QByteArray(30 * MiB, '\0'));
         QTest::newRow("GIF on 33 megapixels") << gif(8192, 4097);
         QTest::newRow("GIF of 33 megapixels on fewer") << PackedPictures::gif({10, 10}, {8192, 4097}, 1);
-        QTest::newRow("GIF that empties its table too often")
-            << PackedPictures::gifOfClears(limits::gifClears + 1);
         QTest::newRow("XPM of many bytes")
             << saved(QImage(quarters(60, 60)), "XPM") + QByteArray(limits::textPictureBytes, ' ');
         QTest::newRow("BMP of many bytes")

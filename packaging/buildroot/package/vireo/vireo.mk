@@ -6,7 +6,7 @@
 
 VIREO_SITE = $(BR2_EXTERNAL_VIREO_PATH)/../..
 VIREO_SITE_METHOD = local
-VIREO_DEPENDENCIES = qt6base qt6scxml qt65compat giflib jpeg libpng
+VIREO_DEPENDENCIES = qt6base qt6scxml qt65compat jpeg libpng
 VIREO_CONF_OPTS = -DVIREO_TESTS=OFF
 
 # The panel alone: the stand-in supervisor and the tour stay on the desk.

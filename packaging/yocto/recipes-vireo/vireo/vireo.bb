@@ -6,7 +6,7 @@ inherit externalsrc
 EXTERNALSRC = "${@os.path.realpath(d.getVar('THISDIR') + '/../../../..')}"
 EXTERNALSRC_BUILD = "${WORKDIR}/build"
 
-DEPENDS = "qtbase qtbase-native qtscxml qt5compat jpeg libpng giflib"
+DEPENDS = "qtbase qtbase-native qtscxml qt5compat jpeg libpng"
 RDEPENDS:${PN} = "net-tools fontconfig"
 
 inherit qt6-cmake systemd useradd
