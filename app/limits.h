@@ -101,7 +101,7 @@ constexpr int jpegBlocks = 12 * 1024 * 1024;
 constexpr int jpegScansBytes = 16 * 1024 * 1024;
 
 /** of a picture in a format that nobody uses for large covers and whose decoder may be slow */
-constexpr int rarePictureBytes = 16 * 1024 * 1024;
+constexpr int rarePictureBytes = 20 * 1024 * 1024;
 
 /** of a picture that is written as text, which is read a character at a time */
 constexpr int textPictureBytes = 6 * 1024 * 1024;

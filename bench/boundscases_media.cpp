@@ -222,7 +222,7 @@ constexpr BoundsCase cases[] = {
      }},
     {"GIF that empties its table 80,000,000 times",
      [](const QDir& f) { return mp3Cover(f, PackedPictures::gifOfClears(80 * MB)); }},
-    {"BMP of 32 MB of runs", [](const QDir& f) { return mp3Cover(f, bmpOfRuns(16 * MB)); }},
+    {"BMP of 20 MB of runs", [](const QDir& f) { return mp3Cover(f, bmpOfRuns(10 * MB)); }},
     {"PNG with 2,000,000 texts",
      [](const QDir& f) {
          QByteArray file = png(64, QImage::Format_RGB32);
@@ -240,8 +240,8 @@ constexpr BoundsCase cases[] = {
                       "#define a_width 4000\n#define a_height 3000\nstatic char a[] = {\n"
                           + QByteArray("0x12,").repeated(1250000) + "};");
      }},
-    {"PPM of 16 MB in digits",
-     [](const QDir& f) { return cover(f, "P3 1600 1600 9 " + QByteArray("1 ").repeated(8 * MB)); }},
+    {"PPM of 20 MB in digits",
+     [](const QDir& f) { return mp3Cover(f, "P3 1800 1800 9 " + QByteArray("1 ").repeated(10 * MB)); }},
     {"tag of 256 MB", largestTagOf},
     {"album and artist of 4 MB each",
      [](const QDir& f) {

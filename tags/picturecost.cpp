@@ -15,8 +15,8 @@ namespace {
 /** What decoding takes of a format. */
 struct Format {
     const char* name;
-    int bytesPerPixel = 0; ///< 0 for those of the decoded image
-    int fileBytes = limits::pictureBytes;
+    int bytesPerPixel; ///< 0 for those of the decoded image
+    int fileBytes;
 };
 
 /**
@@ -24,14 +24,10 @@ struct Format {
  * (icons, vector graphics, tiles) may unpack to any size, whatever their header says.
  */
 constexpr Format formats[] = {
-    {"bmp"},
-    {"pbm", 0, limits::rarePictureBytes},
-    {"pgm", 0, limits::rarePictureBytes},
-    {"ppm", 0, limits::rarePictureBytes},
-    {"tga", 8, limits::rarePictureBytes},
-    {"wbmp", 0, limits::rarePictureBytes},
-    {"webp", 16, limits::rarePictureBytes},
-    {"xbm", 0, limits::textPictureBytes},
+    {"bmp", 0, limits::rarePictureBytes},   {"pbm", 0, limits::rarePictureBytes},
+    {"pgm", 0, limits::rarePictureBytes},   {"ppm", 0, limits::rarePictureBytes},
+    {"tga", 8, limits::rarePictureBytes},   {"wbmp", 0, limits::rarePictureBytes},
+    {"webp", 16, limits::rarePictureBytes}, {"xbm", 0, limits::textPictureBytes},
     {"xpm", 4, limits::textPictureBytes},
 };
 

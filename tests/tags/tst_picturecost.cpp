@@ -148,7 +148,7 @@ private slots:
         QTest::newRow("XPM of many bytes")
             << saved(QImage(quarters(60, 60)), "XPM") + QByteArray(limits::textPictureBytes, ' ');
         QTest::newRow("BMP of many bytes")
-            << saved(quarters(60, 60), "BMP") + QByteArray(limits::pictureBytes, '\0');
+            << saved(quarters(60, 60), "BMP") + QByteArray(limits::rarePictureBytes, '\0');
     }
     void outsideThemTheyAreNotDecoded()
     {
