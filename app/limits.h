@@ -94,8 +94,8 @@ constexpr int jpegPixels = 16 * 1024 * 1024;
 /** no encoder writes more than some dozens of scans into a progressive JPEG */
 constexpr int jpegScans = 256;
 
-/** a JPEG's blocks, each as often as a scan passes it; the decoder needs up to 50 ns for each of them */
-constexpr int jpegBlocks = 12 * 1024 * 1024;
+/** a JPEG's blocks, each as often as a scan passes it; the decoder needs up to 75 ns for each of them */
+constexpr int jpegBlocks = 8 * 1024 * 1024;
 
 /** of a JPEG in several scans, where each byte may change many coefficients */
 constexpr int jpegScansBytes = 16 * 1024 * 1024;

@@ -24,11 +24,10 @@ struct Format {
  * (icons, vector graphics, tiles) may unpack to any size, whatever their header says.
  */
 constexpr Format formats[] = {
-    {"bmp", 0, limits::rarePictureBytes},   {"pbm", 0, limits::rarePictureBytes},
-    {"pgm", 0, limits::rarePictureBytes},   {"ppm", 0, limits::rarePictureBytes},
-    {"tga", 8, limits::rarePictureBytes},   {"wbmp", 0, limits::rarePictureBytes},
-    {"webp", 16, limits::rarePictureBytes}, {"xbm", 0, limits::textPictureBytes},
-    {"xpm", 4, limits::textPictureBytes},
+    {"bmp", 0, limits::rarePictureBytes}, {"pbm", 0, limits::rarePictureBytes},
+    {"pgm", 0, limits::rarePictureBytes}, {"ppm", 0, limits::rarePictureBytes},
+    {"tga", 8, limits::rarePictureBytes}, {"wbmp", 0, limits::rarePictureBytes},
+    {"xbm", 0, limits::textPictureBytes}, {"xpm", 4, limits::textPictureBytes},
 };
 
 const Format* formatOf(const QByteArray& name)
@@ -58,8 +57,10 @@ QSize decodedSize(const QImageReader& reader)
 bool isAffordable(const QImageReader& reader, qint64 fileBytes)
 {
     const Format* format = formatOf(reader.format());
+    if (!format || fileBytes > format->fileBytes)
+        return false;
     const QSize size = decodedSize(reader);
-    if (!format || fileBytes > format->fileBytes || !size.isValid())
+    if (!size.isValid())
         return false; // where there is no size, the pixel format of a damaged header may be anything
     const qint64 pixels = qint64(size.width()) * size.height();
     const qint64 bytes =

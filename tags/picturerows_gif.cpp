@@ -153,18 +153,21 @@ template <typename Read> void forRows(const Picture& picture, Read read)
     }
 }
 
-/** Draws the pixels of a row on the screen's line; gives how many there were before the codes broke off. */
-int drawRow(Lzw& codes, const Picture& picture, QImage& line)
+/** Draws the pixels of a row on the screen's line, the background's where the codes break off: false then. */
+bool drawRow(Lzw& codes, const Picture& picture, QImage& line)
 {
     QRgb* const pixels = pixelsOf(line.bits());
     for (int x = 0; x < picture.place.width(); ++x) {
+        const int at = picture.place.left() + x;
         const int index = codes.next();
-        if (index < 0)
-            return x;
-        if (picture.place.left() + x < line.width())
-            pixels[picture.place.left() + x] = picture.palette[std::size_t(index)];
+        if (index < 0) {
+            std::fill(pixels + std::min(at, line.width()), pixels + line.width(), picture.background);
+            return false;
+        }
+        if (at < line.width())
+            pixels[at] = picture.palette[std::size_t(index)];
     }
-    return picture.place.width();
+    return true;
 }
 
 /** As far as the codes go. */
@@ -173,16 +176,14 @@ QImage drawn(const Picture& picture, QSize size)
     const bool isOpaque = picture.transparent == noIndex;
     QImage line(picture.screen.width(), 1, isOpaque ? QImage::Format_RGB32 : QImage::Format_ARGB32);
     line.fill(picture.background);
-    const QImage empty = line;
     NearestPixels pixels(picture.screen, size, line.format());
     for (const int y : pixels.rows())
-        pixels.take(y, empty);
+        pixels.take(y, line);
     Lzw codes(picture.blocks, picture.indexBits);
     forRows(picture, [&](int row) {
-        line = empty;
-        const int drawnPixels = drawRow(codes, picture, line);
+        const bool isWhole = drawRow(codes, picture, line);
         pixels.take(picture.place.top() + row, line);
-        return drawnPixels == picture.place.width();
+        return isWhole;
     });
     return pixels.image();
 }
