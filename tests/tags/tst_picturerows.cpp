@@ -28,6 +28,16 @@ QImage ours(const QByteArray& file)
     return pixels(coverPicture(file));
 }
 
+/** The most by which a colour of a pixel differs. */
+int farthest(const QImage& one, const QImage& other)
+{
+    int most = 0;
+    for (int y = 0; y < one.height(); ++y)
+        for (int x = 0; x < one.width() * 4; ++x)
+            most = std::max(most, std::abs(one.constScanLine(y)[x] - other.constScanLine(y)[x]));
+    return most;
+}
+
 /** Bytes below `end`, never two times the same. */
 QByteArray noise(int count, int end = 256)
 {
@@ -68,30 +78,25 @@ private slots:
     void jpegs_data()
     {
         QTest::addColumn<QByteArray>("file");
-        struct Named {
-            const char* name;
-            JpegKind kind;
-        };
-        const auto add = [](const char* colours, QImage::Format format, J_COLOR_SPACE space) {
-            const QImage image = photo(wide, format);
-            for (const bool isProgressive : {false, true}) {
-                for (const auto& [across, down] : {std::pair(1, 1), {2, 1}, {1, 2}, {2, 2}, {4, 1}, {1, 4}}) {
-                    JpegKind kind;
-                    kind.isProgressive = isProgressive;
-                    kind.across = across;
-                    kind.down = down;
-                    kind.space = space;
-                    QTest::addRow("%s, %s, %d across, %d down", colours,
-                                  isProgressive ? "progressive" : "baseline", across, down)
-                        << jpegOf(image, kind);
-                }
+        addJpegs("grey", QImage::Format_Grayscale8, JCS_GRAYSCALE);
+        addJpegs("colours", QImage::Format_RGB888, JCS_YCbCr);
+        addJpegs("red, green, blue", QImage::Format_RGB888, JCS_RGB);
+    }
+    static void addJpegs(const char* colours, QImage::Format format, J_COLOR_SPACE space)
+    {
+        const QImage image = photo(wide, format);
+        for (const bool isProgressive : {false, true}) {
+            for (const auto& [across, down] : {std::pair(1, 1), {2, 1}, {1, 2}, {2, 2}, {4, 1}, {1, 4}}) {
+                JpegKind kind;
+                kind.isProgressive = isProgressive;
+                kind.across = across;
+                kind.down = down;
+                kind.space = space;
+                QTest::addRow("%s, %s, %d across, %d down", colours,
+                              isProgressive ? "progressive" : "baseline", across, down)
+                    << jpegOf(image, kind);
             }
-        };
-        add("grey", QImage::Format_Grayscale8, JCS_GRAYSCALE);
-        add("colours", QImage::Format_RGB888, JCS_YCbCr);
-        add("red, green, blue", QImage::Format_RGB888, JCS_RGB);
-        add("four inks", QImage::Format_RGB32, JCS_CMYK);
-        add("four inks as brightness and colours", QImage::Format_RGB32, JCS_YCCK);
+        }
     }
     void jpegs()
     {
@@ -99,6 +104,22 @@ private slots:
         const QImage expected = asTheToolkit(file);
         QVERIFY(!expected.isNull());
         QCOMPARE(ours(file), expected);
+    }
+
+    void jpegsOfFourInks_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        addJpegs("inks", QImage::Format_RGB32, JCS_CMYK);
+        addJpegs("brightness and colours", QImage::Format_RGB32, JCS_YCCK);
+    }
+    /** Versions of the toolkit round differently when they mix the inks. */
+    void jpegsOfFourInks()
+    {
+        QFETCH(QByteArray, file);
+        const QImage expected = asTheToolkit(file);
+        QVERIFY(!expected.isNull());
+        QVERIFY2(farthest(ours(file), expected) <= 1,
+                 qPrintable(QString::number(farthest(ours(file), expected))));
     }
 
     void unusualJpegs_data()
