@@ -51,13 +51,13 @@ int threads()
     return int(QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
 }
 
-/** The memory, in bytes, that decoding takes at its peak. */
+/** The memory, in bytes, that decoding takes at its peak; none where that cannot be told. */
 qint64 memoryOf(const QByteArray& file, QPixmap* cover)
 {
     PeakMemory::reset();
     const qint64 before = PeakMemory::used();
     *cover = coverPicture(file);
-    return PeakMemory::used() - before;
+    return PeakMemory::isMeaningful ? PeakMemory::used() - before : 0;
 }
 
 QByteArray gif(int width, int height)
@@ -124,7 +124,7 @@ private slots:
         QFETCH(int, mostMiB);
         QPixmap cover;
         const qint64 taken = memoryOf(file, &cover);
-        QVERIFY2(!PeakMemory::isMeaningful || taken <= mostMiB * MiB, qPrintable(QString::number(taken)));
+        QVERIFY2(taken <= mostMiB * MiB, qPrintable(QString::number(taken)));
         QCOMPARE(cover.size(), QSize(100, 100));
     }
 
